@@ -1,0 +1,3 @@
+#include "quoFPAlg.h"
+
+int32_t FP_GetVersion(void) { return QUO_VERSION; }

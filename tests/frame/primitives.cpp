@@ -1,0 +1,138 @@
+// Version, byte fill and copy, square root and sort.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cmath>
+#include <limits>
+#include <vector>
+
+#include "quoFPAlg.h"
+#include "support/frames.h"
+#include "support/guarded.h"
+
+using namespace quo_test;
+
+TEST(FP_GetVersion, IsTheVersionOfTheHeader) { EXPECT_EQ(FP_GetVersion(), QUO_VERSION); }
+
+TEST(quo_memset, WritesExactlyTheBytesAsked) {
+  for (uint32_t count = 0; count < 200; count++) {
+    Guarded bytes(count, Guard::kAfter, 1);
+    EXPECT_EQ(quo_memset(bytes.data(), 0xC3, count), bytes.data());
+    EXPECT_THAT(bytes.bytes(), testing::Each(0xC3));
+  }
+  EXPECT_EQ(quo_memset(nullptr, 1, 10), nullptr);
+}
+
+TEST(quo_memcpy, EqualsTheForwardByteLoopForEveryOverlap) {
+  Random random(4);
+  const Image content = generate(random, 900, 1, Fill::kNoise);
+  for (const uint32_t count : {0U, 1U, 15U, 16U, 17U, 63U, 64U, 65U, 127U, 128U, 200U, 333U}) {
+    for (int32_t distance = -140; distance <= 340; distance++) {
+      std::vector<uint8_t> expected = content.pixels, copied = content.pixels;
+      const size_t from = 140, to = static_cast<size_t>(140 + distance);
+      for (size_t i = 0; i < count; i++) expected[to + i] = expected[from + i];
+      ASSERT_EQ(quo_memcpy(&copied[to], &copied[from], count), &copied[to]);
+      ASSERT_EQ(copied, expected) << count << " bytes at distance " << distance;
+    }
+  }
+}
+
+TEST(quo_memcpy, RefusesNullPointers) {
+  uint8_t byte = 7;
+  EXPECT_EQ(quo_memcpy(nullptr, &byte, 1), nullptr);
+  EXPECT_EQ(quo_memcpy(&byte, nullptr, 1), nullptr);
+  EXPECT_EQ(quo_memcpy(&byte, &byte, 0), &byte);
+  EXPECT_EQ(byte, 7);
+}
+
+TEST(quo_sqrt, HasTheseLastBits) {
+  EXPECT_EQ(quo_sqrt(1.0F), 1.0000001F);
+  EXPECT_EQ(quo_sqrt(2.0F), 1.4142135F);
+  EXPECT_EQ(quo_sqrt(4.0F), 2.0000002F);
+  EXPECT_EQ(quo_sqrt(49.0F), 6.9999995F);
+  EXPECT_EQ(quo_sqrt(81.0F), 8.999999F);
+  EXPECT_EQ(quo_sqrt(100.0F), 10.000001F);
+  EXPECT_EQ(quo_sqrt(10000.0F), 99.99999F);
+  EXPECT_EQ(quo_sqrt(65025.0F), 255.00002F);
+  EXPECT_NEAR(quo_sqrt(0.0F), 2.2426e-20F, 1e-24F);
+  EXPECT_EQ(quo_sqrt(-1.0F), 0.0F);
+  EXPECT_EQ(quo_sqrt(-100.0F), 0.0F);
+  EXPECT_LT(quo_sqrt(-0.0F), -1e18F);
+}
+
+// The compiler may not fuse a product and a sum that the source keeps apart, nor split one that it fuses: the inner
+// product rounds to single precision, the subtraction from 1.5 does not round twice. Both mistakes change this sum.
+TEST(quo_sqrt, RoundsAsWrittenOverItsWholeRange) {
+  uint64_t hash = 0;
+  for (uint32_t bits = 0; bits < 0x7F800000U; bits += 4099) {
+    hash = hash * 0x9E3779B97F4A7C15U + std::bit_cast<uint32_t>(quo_sqrt(std::bit_cast<float>(bits)));
+  }
+  EXPECT_EQ(hash, 0xC0832056AD9B7745U);
+}
+
+// a * b rounds to 1, so only an unfused product gives exactly 0.
+TEST(FloatingPoint, DoesNotContractProductsIntoFusedSums) {
+  volatile double a = 1 + 0x1p-30, b = 1 - 0x1p-30, c = -1;
+  const double x = a, y = b, z = c;
+  EXPECT_EQ(x * y + z, 0.0);
+  const double product = x * y;
+  EXPECT_EQ(product + z, 0.0);
+  EXPECT_NE(std::fma(x, y, z), 0.0);
+}
+
+namespace {
+
+std::vector<double> exchange_sorted(std::vector<double> values) {
+  const int count = static_cast<int>(values.size());
+  for (int pass = 0; pass < count - 1; pass++) {
+    for (int j = count - 1; j >= 1; j--) {
+      if (values[static_cast<size_t>(j)] < values[static_cast<size_t>(j - 1)]) {
+        std::swap(values[static_cast<size_t>(j)], values[static_cast<size_t>(j - 1)]);
+      }
+    }
+  }
+  return values;
+}
+
+std::vector<uint64_t> bits(const std::vector<double>& values) {
+  std::vector<uint64_t> result;
+  for (const double value : values) result.push_back(std::bit_cast<uint64_t>(value));
+  return result;
+}
+
+}  // namespace
+
+TEST(quo_short, EqualsTheExchangeSortToTheBit) {
+  Random random(5);
+  const double inf = std::numeric_limits<double>::infinity();
+  for (const int shape : {0, 1, 2, 3}) {  // equal values, falling, saw teeth, organ pipe: where quicksorts degenerate
+    std::vector<double> values(2000);
+    for (int i = 0; i < 2000; i++) {
+      const int shapes[] = {7, -i, i % 50, i < 1000 ? i : 2000 - i};
+      values[static_cast<size_t>(i)] = shapes[shape];
+    }
+    std::vector<double> sorted = values;
+    quo_short(sorted.data(), 2000);
+    EXPECT_EQ(bits(sorted), bits(exchange_sorted(values))) << "shape " << shape;
+  }
+  const double choices[] = {0.0, -0.0, std::nan("1"), -std::nan("2"), inf, -inf, 1.0, -1.0, 5e-324, -5e-324, 7.5};
+  for (int round = 0; round < 3000; round++) {
+    std::vector<double> values(static_cast<size_t>(random.between(0, 90)));
+    const uint32_t special = static_cast<uint32_t>(random.between(0, 100));
+    for (double& value : values) {
+      value = random.chance(special) ? choices[random.next() % std::size(choices)] : random.between(-1000, 1000) * 0.37;
+    }
+    const std::vector<double> expected = exchange_sorted(values);
+    Guarded sorted({reinterpret_cast<const uint8_t*>(values.data()), values.size() * sizeof(double)}, Guard::kAfter);
+    quo_short(sorted.as<double>(), static_cast<int32_t>(values.size()));
+    const auto* first = sorted.as<double>();
+    ASSERT_EQ(bits({first, first + values.size()}), bits(expected)) << "round " << round;
+  }
+}
+
+TEST(quo_short, IgnoresCountsOfOneAndLess) {
+  double values[] = {2, 1};
+  for (const int32_t count : {1, 0, -1, INT32_MIN}) quo_short(values, count);
+  EXPECT_EQ(values[0], 2.0);
+}

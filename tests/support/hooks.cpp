@@ -1,0 +1,79 @@
+#include "support/hooks.h"
+
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <set>
+
+#include "quoFPAlg.h"
+
+namespace quo_test {
+namespace {
+
+struct State {
+  HookRecord record;
+  std::set<void*> live;
+  uint64_t failing_index = UINT64_MAX;
+  bool fail_later = false;
+  uint8_t fresh_byte = 0xA5;
+};
+
+State& state() {
+  thread_local State instance;
+  return instance;
+}
+
+bool shall_fail(const State& s, uint64_t index) {
+  return index == s.failing_index || (s.fail_later && index > s.failing_index);
+}
+
+}  // namespace
+
+const HookRecord& hooks() { return state().record; }
+
+void reset_hooks() {
+  const uint8_t fresh_byte = state().fresh_byte;
+  state() = State{};
+  state().fresh_byte = fresh_byte;
+}
+
+void fail_allocation(uint64_t index, bool and_later) {
+  state().failing_index = state().record.sizes.size() + index;
+  state().fail_later = and_later;
+}
+
+void set_fresh_byte(uint8_t value) { state().fresh_byte = value; }
+
+}  // namespace quo_test
+
+using quo_test::state;
+
+void* tev_quo_malloc(uint32_t size) {
+  auto& s = state();
+  const uint64_t index = s.record.sizes.size();
+  s.record.sizes.push_back(size);
+  if (quo_test::shall_fail(s, index)) return nullptr;
+  void* const block = std::malloc(size > 0 ? size : 1);
+  if (block == nullptr) return nullptr;
+  std::memset(block, s.fresh_byte, size);
+  s.live.insert(block);
+  s.record.live_blocks = s.live.size();
+  return block;
+}
+
+void tev_quo_free(void* block) {
+  if (block == nullptr) return;
+  auto& s = state();
+  if (s.live.erase(block) == 0) s.record.bad_frees++;
+  s.record.live_blocks = s.live.size();
+  std::free(block);
+}
+
+double tev_quo_atan2(double y, double x) {
+  state().record.arctangents++;
+  return std::atan2(y, x);
+}
+
+void tev_quo_log(const char* tag, uint32_t length) {
+  state().record.events.push_back(std::string(tag) + "/" + std::to_string(length));
+}

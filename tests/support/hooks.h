@@ -1,0 +1,47 @@
+// The test program's own definitions of the library's hooks: they count, fail on request, and notice what leaks.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace quo_test {
+
+/** What the hooks have seen since the last reset. */
+struct HookRecord {
+  std::vector<uint32_t> sizes;      // of every request, failed ones included
+  std::vector<std::string> events;  // log calls, "tag/length"
+  uint64_t live_blocks = 0;         // handed out and not freed yet
+  uint64_t bad_frees = 0;           // of pointers that were not handed out
+  uint64_t arctangents = 0;
+};
+
+/** The record of the calling thread. */
+const HookRecord& hooks();
+
+/** Clears the record and lets every allocation succeed. Blocks still live are forgotten, not freed. */
+void reset_hooks();
+
+/** Lets the allocation with this index (0 is the next one) fail, and with `and_later` every one after it. */
+void fail_allocation(uint64_t index, bool and_later = false);
+
+/** Fresh blocks are filled with this byte, so that a read of memory that nobody wrote changes the result. */
+void set_fresh_byte(uint8_t value);
+
+/** Runs `call` with its first, second, third ... allocation failing, once alone and once with all later ones, until it
+ *  needs no more; `check` is told after each run. Blocks must be balanced by then. Returns the number of allocations.
+ */
+template <typename Call, typename Check>
+uint64_t for_each_failing_allocation(Call call, Check check) {
+  for (uint64_t index = 0;; index++) {
+    for (const bool and_later : {false, true}) {
+      reset_hooks();
+      fail_allocation(index, and_later);
+      auto result = call();
+      if (hooks().sizes.size() <= index) return index;
+      check(index, result);
+    }
+  }
+}
+
+}  // namespace quo_test
