@@ -1,0 +1,50 @@
+/* Loads the library with dlopen, as a service does. The hooks defined here must receive every call; a function of the
+ * program that carries the name of one of the library's operators must receive none. */
+#include <dlfcn.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+
+#include "quoFPAlg.h"
+
+static unsigned mallocs, frees, logs, strangers;
+
+void *tev_quo_malloc(uint32_t size) {
+  mallocs++;
+  return malloc(size);
+}
+
+void tev_quo_free(void *block) {
+  frees++;
+  free(block);
+}
+
+void tev_quo_log(const char *tag, uint32_t length) { logs += strlen(tag) + 1 == length; }
+
+uint8_t CalcHistogram(const uint8_t *pixels, int32_t count, uint32_t *histogram, uint32_t bins) {
+  (void)pixels, (void)count, (void)histogram, (void)bins;
+  strangers++;
+  return 0;
+}
+
+typedef uint32_t preprocess_function(uint8_t *, int32_t, int32_t, uint8_t, uint8_t *, uint8_t);
+
+int main(int argc, char **argv) {
+  if (argc < 2) return 2;
+  void *library = dlopen(argv[1], RTLD_NOW | RTLD_LOCAL);
+  if (library == NULL) {
+    fprintf(stderr, "%s\n", dlerror());
+    return 1;
+  }
+  preprocess_function *preprocess = NULL;
+  *(void **)&preprocess = dlsym(library, "FP_ImagePreproc");
+  if (preprocess == NULL) return 1;
+
+  static uint8_t frame[64 * 64];
+  for (int i = 0; i < 64 * 64; i++) frame[i] = (uint8_t)(90 + (i / 4 % 2) * 20);
+  uint32_t result = preprocess(frame, 64, 64, 0, NULL, 15);
+  printf("result %u, %u allocations, %u frees, %u log calls, %u calls of strangers\n", result, mallocs, frees, logs,
+         strangers);
+  dlclose(library);
+  return result == 0 && mallocs == 6 && frees == 6 && logs == 5 && strangers == 0 ? 0 : 1;
+}
