@@ -9,7 +9,8 @@ size_t area(int32_t w, int32_t h) { return static_cast<size_t>(std::max(w, 0)) *
 
 // A triangle wave along a slanted, slightly bent phase: integers only, so the same everywhere.
 int ridge(int32_t x, int32_t y, int32_t slope, int32_t bend) {
-  const int32_t phase = (8 * x + slope * y + bend * ((x - y) * (x - y) / 64)) & 127;
+  const int64_t across = static_cast<int64_t>(x) - y;
+  const auto phase = static_cast<int>((int64_t{8} * x + int64_t{slope} * y + bend * (across * across / 64)) & 127);
   return phase < 64 ? 60 + 2 * phase : 60 + 2 * (127 - phase);
 }
 
@@ -20,7 +21,7 @@ Image generate_ridges(Random& random, int32_t width, int32_t height) {
                 ry = std::max(1, random.between(height / 4, height));
   const int32_t background = random.between(170, 250);
   return Image(width, height, [&](int32_t x, int32_t y) {
-    const int64_t dx = (x - cx) * 256 / rx, dy = (y - cy) * 256 / ry;
+    const int64_t dx = int64_t{x - cx} * 256 / rx, dy = int64_t{y - cy} * 256 / ry;
     const bool finger = dx * dx + dy * dy < 65536;
     const int value = finger ? ridge(x, y, slope, bend) : background;
     return std::clamp(value + random.between(-noise, noise) / (finger ? 1 : 4), 0, 255);
