@@ -1,7 +1,9 @@
 #include "golden/hooks.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <set>
 
 #include "quoFPAlg.h"
 
@@ -10,22 +12,29 @@ namespace {
 
 struct Recording {
   Digest* digest = nullptr;
+  Failing failing;
   uint64_t asked = 0;
-  uint64_t failing = UINT64_MAX;
-  bool and_later = false;
+  std::set<void*> live;
 };
 
 thread_local Recording recording;
 
 bool shall_fail(uint64_t index) {
-  return index == recording.failing || (recording.and_later && index > recording.failing);
+  const Failing& failing = recording.failing;
+  return index == failing.index || (failing.and_later && index > failing.index);
+}
+
+[[noreturn]] void give_up(const char* reason) {
+  std::fprintf(stderr, "%s\n", reason);
+  std::abort();
 }
 
 }  // namespace
 
-void start_recording(Digest& digest, uint64_t failing, bool and_later) { recording = {&digest, 0, failing, and_later}; }
+void start_recording(Digest& digest, Failing failing) { recording = {&digest, failing, 0, {}}; }
 
 uint64_t stop_recording() {
+  if (!recording.live.empty()) give_up("a call did not give back its memory");
   const uint64_t asked = recording.asked;
   recording = {};
   return asked;
@@ -39,11 +48,19 @@ void* tev_quo_malloc(uint32_t size) {
   recording.digest->add(size);
   if (golden::shall_fail(recording.asked++)) return nullptr;
   void* const block = std::malloc(size > 0 ? size : 1);
-  if (block != nullptr) std::memset(block, 0xA5, size);
+  if (block == nullptr) golden::give_up("out of memory");
+  std::memset(block, 0xA5, size);
+  recording.live.insert(block);
   return block;
 }
 
-void tev_quo_free(void* block) { std::free(block); }
+void tev_quo_free(void* block) {
+  auto& recording = golden::recording;
+  if (block != nullptr && recording.digest != nullptr && recording.live.erase(block) == 0) {
+    golden::give_up("a block was freed that was not handed out");
+  }
+  std::free(block);
+}
 
 void tev_quo_log(const char* tag, uint32_t length) {
   if (golden::recording.digest == nullptr) return;

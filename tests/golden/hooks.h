@@ -1,18 +1,24 @@
-// Hooks of the golden runner: memory with known content, allocation sequence and log calls as part of the result. The
-// arctangent stays the library's own.
+// Hooks of the golden runner: memory with known content, and the allocation sequence and the log calls as part of the
+// result. The arctangent stays the library's own.
 #pragma once
 
 #include <cstdint>
 
-#include "golden/golden.h"
+#include "golden/case.h"
 
 namespace golden {
 
-/** From here to stop_recording() the calls of this thread are folded into the digest, and the allocation with the index
- *  `failing` (and those after it, with `and_later`) fails. */
-void start_recording(Digest& digest, uint64_t failing, bool and_later);
+/** Which allocations of a call fail: the one with this index and, if so asked, all later ones. */
+struct Failing {
+  uint64_t index = UINT64_MAX;
+  bool and_later = false;
+};
 
-/** @return the number of allocations asked for */
+/** From here to stop_recording() the calls of this thread are folded into the digest. */
+void start_recording(Digest& digest, Failing failing);
+
+/** Ends the program when a block was not given back.
+ *  @return the number of allocations asked for */
 uint64_t stop_recording();
 
 }  // namespace golden

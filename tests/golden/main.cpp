@@ -1,12 +1,16 @@
-// golden FILE            compares this machine's results with the golden hashes
-// golden --write FILE    writes them anew
-#include <cstring>
+// Compares this machine's results with the golden hashes.
+#include <string>
 
 #include "golden/golden.h"
 
 int main(int argc, char** argv) {
-  if (argc == 2) return golden::compare(argv[1], stdout);
-  if (argc == 3 && std::strcmp(argv[1], "--write") == 0) return golden::write(argv[2], stdout);
-  std::fprintf(stderr, "usage: golden [--write] FILE\n");
+  const std::string first = argc > 1 ? argv[1] : "";
+  if (argc == 2 && first[0] != '-') return golden::compare(first, golden::Guard::kAfter, stdout);
+  if (argc == 3 && first == "--guard-before") return golden::compare(argv[2], golden::Guard::kBefore, stdout);
+  if (argc == 3 && first == "--write") return golden::write(argv[2], stdout);
+  std::fprintf(stderr,
+               "usage: golden FILE                  compares; an unreadable page follows every buffer\n"
+               "       golden --guard-before FILE   compares; an unreadable page precedes every buffer\n"
+               "       golden --write FILE          writes the hashes anew\n");
   return 2;
 }

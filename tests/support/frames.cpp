@@ -44,6 +44,7 @@ Image::Image(int32_t w, int32_t h, const std::function<int(int32_t, int32_t)>& v
 
 Image generate(Random& random, int32_t width, int32_t height, Fill fill) {
   const uint8_t flat = random.byte();
+  if (width <= 0 || height <= 0) return Image(width, height);
   switch (fill) {
     case Fill::kNoise:
       return Image(width, height, [&](int32_t, int32_t) { return random.byte(); });

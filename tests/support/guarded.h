@@ -12,7 +12,7 @@ namespace quo_test {
 enum class Guard { kAfter, kBefore };
 
 /** `size` bytes whose end (or beginning) lies at an unreadable page. The rest of the buffer's own pages holds a pattern
- *  that the destructor compares: a write into it is a test failure. */
+ *  that the destructor compares: a write into it ends the test program too. */
 class Guarded {
  public:
   Guarded(size_t size, Guard guard, uint8_t value = 0);

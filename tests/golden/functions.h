@@ -1,0 +1,12 @@
+// The calls, subsystem by subsystem.
+#pragma once
+
+#include <vector>
+
+#include "golden/case.h"
+
+namespace golden {
+
+extern const std::vector<Function> kFrameFunctions;
+
+}  // namespace golden
