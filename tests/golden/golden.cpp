@@ -1,8 +1,9 @@
 #include "golden/golden.h"
 
+#include <algorithm>
 #include <cinttypes>
 #include <cstdlib>
-#include <map>
+#include <thread>
 
 #include "golden/functions.h"
 #include "golden/hooks.h"
@@ -66,21 +67,44 @@ uint64_t seed_of(const std::string& name) {
   return digest.value();
 }
 
-std::vector<Hash> run_all(Guard guard) {
-  std::vector<Hash> result;
-  for (const Function& function : functions()) {
-    for (Hash& hash : run(function, guard)) result.push_back(std::move(hash));
+using Expected = std::vector<Hash>;
+
+struct Comparison {
+  size_t equal = 0;
+  std::vector<std::string> complaints;
+};
+
+// Runs all functions, beginning with the one at `first` and going round, so that threads do different things at a time.
+Comparison compare_all(Expected expected, Guard guard, size_t first) {
+  Comparison result;
+  const std::vector<Function> all = functions();
+  for (size_t i = 0; i < all.size(); i++) {
+    for (const Hash& hash : run(all[(first + i) % all.size()], guard)) {
+      const auto entry =
+          std::find_if(expected.begin(), expected.end(), [&](const Hash& e) { return e.name == hash.name; });
+      if (entry == expected.end()) {
+        result.complaints.push_back(hash.name + ": not in the file");
+        continue;
+      }
+      if (entry->value == hash.value) {
+        result.equal++;
+      } else {
+        result.complaints.push_back(hash.name + ": differs");
+      }
+      expected.erase(entry);
+    }
   }
+  for (const Hash& entry : expected) result.complaints.push_back(entry.name + ": in the file, not run");
   return result;
 }
 
-bool read(const std::string& path, std::map<std::string, uint64_t>& hashes) {
+bool read(const std::string& path, Expected& hashes) {
   std::FILE* const file = std::fopen(path.c_str(), "r");
   if (file == nullptr) return false;
   char line[256], name[128];
   uint64_t value;
   while (std::fgets(line, sizeof line, file) != nullptr) {
-    if (line[0] != '#' && std::sscanf(line, "%127s %" SCNx64, name, &value) == 2) hashes[name] = value;
+    if (line[0] != '#' && std::sscanf(line, "%127s %" SCNx64, name, &value) == 2) hashes.push_back({name, value});
   }
   std::fclose(file);
   return true;
@@ -122,26 +146,36 @@ std::vector<Hash> run(const Function& function, Guard guard) {
 }
 
 int compare(const std::string& path, Guard guard, std::FILE* out) {
-  std::map<std::string, uint64_t> expected;
+  Expected expected;
   if (!read(path, expected)) {
     std::fprintf(out, "%s: cannot be read\n", path.c_str());
     return 3;
   }
-  size_t equal = 0, wrong = 0;
-  for (const Hash& hash : run_all(guard)) {
-    const auto entry = expected.find(hash.name);
-    const bool known = entry != expected.end();
-    if (known && entry->second == hash.value) {
-      equal++;
-    } else {
-      std::fprintf(out, "%s: %s\n", hash.name.c_str(), known ? "differs" : "not in the file");
-      wrong++;
-    }
-    if (known) expected.erase(entry);
+  const Comparison result = compare_all(expected, guard, 0);
+  for (const std::string& line : result.complaints) std::fprintf(out, "%s\n", line.c_str());
+  std::fprintf(out, "%zu hashes equal, %zu differ\n", result.equal, result.complaints.size());
+  return result.complaints.empty() ? 0 : 1;
+}
+
+int compare_in_threads(const std::string& path, unsigned count, std::FILE* out) {
+  Expected expected;
+  if (!read(path, expected)) {
+    std::fprintf(out, "%s: cannot be read\n", path.c_str());
+    return 3;
   }
-  for (const auto& entry : expected) std::fprintf(out, "%s: in the file, not run\n", entry.first.c_str());
-  wrong += expected.size();
-  std::fprintf(out, "%zu hashes equal, %zu differ\n", equal, wrong);
+  std::vector<Comparison> results(count);
+  std::vector<std::thread> threads;
+  for (unsigned i = 0; i < count; i++) {
+    threads.emplace_back(
+        [&, i] { results[i] = compare_all(expected, i % 2 == 0 ? Guard::kAfter : Guard::kBefore, i * 7); });
+  }
+  for (std::thread& thread : threads) thread.join();
+  size_t wrong = 0;
+  for (const Comparison& result : results) {
+    for (const std::string& line : result.complaints) std::fprintf(out, "%s\n", line.c_str());
+    wrong += result.complaints.size();
+  }
+  std::fprintf(out, "%u threads, %zu hashes differ\n", count, wrong);
   return wrong == 0 ? 0 : 1;
 }
 
@@ -154,8 +188,10 @@ int write(const std::string& path, std::FILE* out) {
   std::fprintf(
       file, "# Golden hashes, the same for every target. A changed hash is a changed result: it needs an entry in\n");
   std::fprintf(file, "# CHANGELOG.md, and this file is then written anew with golden --write.\n");
-  for (const Hash& hash : run_all(Guard::kAfter)) {
-    std::fprintf(file, "%s %016" PRIx64 "\n", hash.name.c_str(), hash.value);
+  for (const Function& function : functions()) {
+    for (const Hash& hash : run(function, Guard::kAfter)) {
+      std::fprintf(file, "%s %016" PRIx64 "\n", hash.name.c_str(), hash.value);
+    }
   }
   return std::fclose(file) == 0 ? 0 : 3;
 }

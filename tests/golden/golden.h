@@ -27,6 +27,9 @@ std::vector<Hash> run(const Function& function, Guard guard);
  *  @return 0 when all are equal, 1 when some differ or are missing, 3 when the file cannot be read */
 int compare(const std::string& path, Guard guard, std::FILE* out);
 
+/** The same in `count` threads at once, each of which runs all functions on buffers of its own. */
+int compare_in_threads(const std::string& path, unsigned count, std::FILE* out);
+
 /** Writes the file anew. @return 0, or 3 when it cannot be written */
 int write(const std::string& path, std::FILE* out);
 
