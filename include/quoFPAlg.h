@@ -182,7 +182,247 @@ QUO_API void ZoomImg(const uint8_t *source, uint8_t *destination, int32_t width,
 /** @} */
 
 /* ------------------------------------------------------------------------------------------------------------------ */
-/* Capture preprocessing */
+/** @name Capture preprocessing
+ *
+ *  Blocks are 8 x 8 pixels. A block is valid, that is finger, when its mean is below the background value.
+ *  @{
+ */
+
+/** Estimates the gray level of the background from the four corners of a frame.
+ *
+ *  Looks at four 8 x 8 patches, each two pixels from two edges of the frame. A patch is background when its variance is
+ *  below 50 and its mean is above 160, or more than 100 above that of the darkest patch. The value is 0.93 of the mean
+ *  of the background patches, truncated.
+ *
+ *  @param image   width x height gray image
+ *  @param width   pixels per row; below 10 nothing is read and none is found
+ *  @param height  rows; as width
+ *  @param bg_out  receives the value, 93 or more; may be null; left as it is when none is found
+ *  @return 1 when a background was found, 0 when none was
+ */
+QUO_API uint8_t FindBgValue(const uint8_t *image, int32_t width, int32_t height, uint8_t *bg_out);
+
+/** Measures the valid blocks of a frame: how much of it the finger covers, how dark it is, and where it lies.
+ *
+ *  Blocks lie side by side from the top left corner; the pixels right of the last whole block and below it belong to
+ *  none. All quotients truncate.
+ *
+ *  @param image           width x height gray image
+ *  @param width           pixels per row
+ *  @param height          rows
+ *  @param bg              background value
+ *  @param percentage_out  valid blocks per hundred, 0 to 100; may be null
+ *  @param mean_out        mean of the valid blocks' pixels, 255 when no block is valid; may be null. The sum of the
+ *                         pixels is taken modulo 2^32, so it is right up to 16,843,009 valid pixels.
+ *  @param centre_x_out    mean left column of the valid blocks, 0 when no block is valid; may be null
+ *  @param centre_y_out    mean top row of the valid blocks, likewise. Both name corners of blocks, not their middles.
+ *  @return always 0
+ */
+QUO_API uint8_t GetValidArea(const uint8_t *image, int32_t width, int32_t height, uint8_t bg, uint8_t *percentage_out,
+                             uint8_t *mean_out, int32_t *centre_x_out, int32_t *centre_y_out);
+
+/** Background value of a frame, by FindBgValue().
+ *
+ *  @param image   width x height gray image, may be null
+ *  @param width   pixels per row
+ *  @param height  rows
+ *  @param bg_out  receives the value, 255 when none is found; may be null
+ *  @return QUO_OK; QUO_NO_OUTPUT, with nothing written, when image or bg_out is null
+ */
+QUO_API uint32_t FP_GetImageBgValue(const uint8_t *image, int32_t width, int32_t height, uint8_t *bg_out);
+
+/** Share of a frame that the finger covers, and its mean gray level, by GetValidArea().
+ *
+ *  @param image           width x height gray image
+ *  @param width           pixels per row
+ *  @param height          rows
+ *  @param bg              background value; 0 to have it estimated, with 255 when none is found
+ *  @param percentage_out  valid blocks per hundred; must not be null
+ *  @param mean_out        mean of the valid blocks' pixels, 255 when no block is valid; may be null
+ *  @return QUO_OK; QUO_NO_OUTPUT, with nothing written, when percentage_out is null
+ */
+QUO_API uint32_t FP_GetValidArea(const uint8_t *image, int32_t width, int32_t height, uint8_t bg,
+                                 uint8_t *percentage_out, uint8_t *mean_out);
+
+/** Gray level, coverage and centre of the finger in a frame, by GetValidArea() with the estimated background value, or
+ *  255 when none is found. The mean comes before the percentage here.
+ *
+ *  @param image           width x height gray image
+ *  @param width           pixels per row
+ *  @param height          rows
+ *  @param mean_out        mean of the valid blocks' pixels, 255 when no block is valid; may be null
+ *  @param percentage_out  valid blocks per hundred; may be null
+ *  @param centre_x_out    mean left column of the valid blocks, 0 when no block is valid; may be null
+ *  @param centre_y_out    mean top row of the valid blocks, likewise
+ *  @return always QUO_OK
+ */
+QUO_API uint32_t FP_GetFingerprintInfo(const uint8_t *image, int32_t width, int32_t height, uint8_t *mean_out,
+                                       uint8_t *percentage_out, int32_t *centre_x_out, int32_t *centre_y_out);
+
+/** Mean gray level of the finger in each quarter of a frame; a quarter that the finger leaves empty reports 255.
+ *
+ *  Quarters are (width / 2) x (height / 2) pixels; of odd sizes the last column or row belongs to none. The background
+ *  value is estimated once, from the whole frame, with 255 when none is found. Scratch memory of one quarter.
+ *
+ *  @param frame         width x height gray image
+ *  @param width         pixels per row
+ *  @param height        rows
+ *  @param top_left      receives the mean of the valid blocks' pixels of this quarter; null when it is not asked for
+ *  @param top_right     likewise
+ *  @param bottom_left   likewise
+ *  @param bottom_right  likewise
+ *  @return QUO_OK; QUO_NO_MEMORY with nothing written
+ */
+QUO_API uint32_t FP_GetBlockValidArea(const uint8_t *frame, int32_t width, int32_t height, uint8_t *top_left,
+                                      uint8_t *top_right, uint8_t *bottom_left, uint8_t *bottom_right);
+
+#define QUO_BORDER_TOP 1u    /**< Border flag: the first row. */
+#define QUO_BORDER_BOTTOM 2u /**< Border flag: the last row. */
+#define QUO_BORDER_LEFT 4u   /**< Border flag: the first column. */
+#define QUO_BORDER_RIGHT 8u  /**< Border flag: the last column. */
+
+/** Replaces border lines of an image, in place, by copies of the lines inside them.
+ *
+ *  Rows come before columns: where both meet, the corner becomes a copy of the pixel diagonally inside it.
+ *
+ *  @param image   width x height gray image, changed in place
+ *  @param width   pixels per row; the columns of an image one pixel wide are left alone
+ *  @param height  rows; likewise
+ *  @param flags   sum of QUO_BORDER_ flags; other bits have no effect
+ */
+QUO_API void FillBorders(uint8_t *image, int32_t width, int32_t height, uint8_t flags);
+
+/** Removes vertical stripes; the same as RemoveVerticalStripes_All(). */
+QUO_API uint8_t RemoveVerticalStripes(const uint8_t *source, uint8_t *destination, int32_t width, int32_t height);
+
+/** Removes vertical stripes: columns brighter or darker than those around them.
+ *
+ *  The mean of a column over its pixels up to 234 (255 when it has none) is compared with the mean of the means of the
+ *  four columns on either side, and the difference is taken off those pixels, with the results kept within 0 to 254.
+ *  Pixels of 235 and above, the first five columns and the last four are copied. Scratch memory of eight bytes a
+ *  column.
+ *
+ *  @param source       width x height gray image
+ *  @param destination  width x height gray image, written; may be source, otherwise not overlapping it
+ *  @param width        pixels per row
+ *  @param height       rows, any number
+ *  @return 1 when done, 0 when scratch memory could not be allocated (nothing is written)
+ */
+QUO_API uint8_t RemoveVerticalStripes_All(const uint8_t *source, uint8_t *destination, int32_t width, int32_t height);
+
+/** Removes vertical stripes at fixed places: the second and the third column of every sector of 16.
+ *
+ *  The mean of the column over its pixels below 255 (255 when it has none) is compared with the mean of itself and its
+ *  two neighbours, and the difference is taken off those pixels, with the results kept within 0 to 254. Where the
+ *  difference is 0, and everywhere else, the destination is not written. Scratch memory of four bytes a sector.
+ *
+ *  @param source       width x height gray image
+ *  @param destination  width x height gray image; source itself, or a copy of it
+ *  @param width        pixels per row; columns after the last whole sector are left alone
+ *  @param height       rows
+ *  @return 1 when done, 0 when scratch memory could not be allocated (nothing is written)
+ */
+QUO_API uint8_t RemoveVerticalStripes_Sector(const uint8_t *source, uint8_t *destination, int32_t width,
+                                             int32_t height);
+
+/** Gain that brings the gray levels of the finger to a common spread.
+ *
+ *  The spread is the mean absolute deviation of the pixels below 230 from their mean, both rounded down; their sums are
+ *  taken modulo 2^32.
+ *
+ *  @param image   width x height gray image, may be null
+ *  @param width   pixels per row
+ *  @param height  rows; no pixel is counted when there are more than 2^31 - 1
+ *  @param target  the spread wished for, in gray levels
+ *  @return target / spread + 0.5, to be truncated; 0 when target is 0; 1 when no pixel is below 230 or the spread is 0
+ */
+QUO_API double GetEnhanceCoef(const uint8_t *image, uint32_t width, uint32_t height, int32_t target);
+
+/** Evens out brightness and stretches contrast in place, one band of rows after the other.
+ *
+ *  Every pixel p below 254 becomes 128 + gain * (p - m), limited to 0..255, where m is the truncated mean of the pixels
+ *  of the same band within radius of it, in both directions, before any of them was changed. Constant work per pixel,
+ *  whatever the radius. Scratch memory of (width + 1) x (band_rows + 1) x 4 bytes.
+ *
+ *  @param image           width x height gray image, changed in place
+ *  @param width           pixels per row
+ *  @param height          rows
+ *  @param radius          half the size of the neighbourhood; 3 for 7 x 7 pixels, for which the code is fastest
+ *  @param band_rows       rows of a band; 0 for one band of all rows
+ *  @param gain            contrast gain; below 2 nothing is done
+ *  @param top_context     rows at the top of every band that feed the means but are not changed
+ *  @param bottom_context  rows at the bottom of every band, likewise
+ *  @return QUO_OK; QUO_NO_MEMORY with the image unchanged
+ */
+QUO_API uint8_t LocalGrayBalance_Slice(uint8_t *image, int32_t width, int32_t height, uint32_t radius,
+                                       uint32_t band_rows, uint8_t gain, uint8_t top_context, uint8_t bottom_context);
+
+/** Cleans a captured frame in place: FP_ImagePreproc_Step1(), then FP_ImagePreproc_Step2().
+ *
+ *  @param frame         width x height gray image, changed in place; may be null
+ *  @param width         pixels per row
+ *  @param height        rows
+ *  @param bg            background value; 0 to have it estimated, with 255 when none is found
+ *  @param area          on entry the coverage required, in per cent; receives the coverage measured. Null to do without.
+ *  @param border_flags  border lines to replace, a sum of QUO_BORDER_ flags
+ *  @return QUO_OK, or the first failure of the two steps
+ */
+QUO_API uint32_t FP_ImagePreproc(uint8_t *frame, int32_t width, int32_t height, uint8_t bg, uint8_t *area,
+                                 uint8_t border_flags);
+
+/** First step of the preprocessing: replaces border lines, checks the coverage, removes vertical stripes.
+ *
+ *  Parameters as for FP_ImagePreproc(). Traces "FP_ImagePreproc_Step1", "FillBorders" and "RemoveVerticalStripes" as it
+ *  gets there, and "FP_ImagePreproc_Step1_FunEnd" on every return.
+ *
+ *  @return QUO_OK; QUO_NO_IMAGE when frame is null; QUO_LOW_COVERAGE, with the borders replaced and area written, when
+ *          the finger covers less than required; QUO_NO_MEMORY, likewise, when the stripes could not be removed
+ */
+QUO_API uint32_t FP_ImagePreproc_Step1(uint8_t *frame, int32_t width, int32_t height, uint8_t bg, uint8_t *area,
+                                       uint8_t border_flags);
+
+/** Second step of the preprocessing: balances the gray levels of the whole frame over neighbourhoods of 7 x 7 pixels,
+ *  with the gain of GetEnhanceCoef() for a spread of 100.
+ *
+ *  Afterwards it takes a buffer of width x height bytes and gives it back at once, as a sign that what follows can have
+ *  one. Traces "FP_ImagePreproc_Step2_FunEnd" on every return.
+ *
+ *  @param frame   width x height gray image, changed in place; may be null
+ *  @param width   pixels per row
+ *  @param height  rows
+ *  @return QUO_OK; QUO_NO_IMAGE when frame is null; QUO_NO_MEMORY when the balance had no scratch memory (the frame is
+ *          unchanged) or the buffer could not be had (the frame is balanced)
+ */
+QUO_API uint32_t FP_ImagePreproc_Step2(uint8_t *frame, int32_t width, int32_t height);
+
+/** Cleans a captured frame in place, borders and vertical stripes only. Traces nothing.
+ *
+ *  @param frame         width x height gray image, changed in place; may be null
+ *  @param width         pixels per row
+ *  @param height        rows
+ *  @param border_flags  border lines to replace, a sum of QUO_BORDER_ flags
+ *  @return QUO_OK; QUO_NO_IMAGE when frame is null; QUO_NO_MEMORY, with the borders replaced, when the stripes could
+ *          not be removed
+ */
+QUO_API uint32_t FP_ImagePreproc_MCU(uint8_t *frame, int32_t width, int32_t height, uint8_t border_flags);
+
+/** Balances the gray levels of a frame in place, as FP_ImagePreproc_Step2() does, in slices, to bound scratch memory.
+ *
+ *  The result is the same for every slice_rows. Scratch memory is 6 x width bytes and what LocalGrayBalance_Slice()
+ *  takes for slice_rows + 6 rows.
+ *
+ *  @param frame       width x height gray image, changed in place
+ *  @param width       pixels per row
+ *  @param height      rows
+ *  @param slice_rows  rows per slice; below 3 taken as 3
+ *  @param target      the spread wished for, in gray levels, as for GetEnhanceCoef(); the gain is its low 8 bits, 0 for
+ *                     a negative one
+ *  @return QUO_OK, also when the gain is below 2 and nothing is done; QUO_NO_MEMORY, with the slices balanced by then
+ */
+QUO_API uint32_t FP_ImageEnhance_Slice(uint8_t *frame, int32_t width, int32_t height, int32_t slice_rows,
+                                       int32_t target);
+
+/** @} */
 
 /* ------------------------------------------------------------------------------------------------------------------ */
 /* Image quality and orientation */
