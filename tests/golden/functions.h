@@ -8,5 +8,6 @@
 namespace golden {
 
 extern const std::vector<Function> kFrameFunctions;
+extern const std::vector<Function> kPreprocFunctions;
 
 }  // namespace golden

@@ -129,7 +129,8 @@ uint64_t Case::finish() {
 
 std::vector<Function> functions() {
   std::vector<Function> result;
-  for (const auto* list : {&kFrameFunctions}) result.insert(result.end(), list->begin(), list->end());
+  for (const auto* list : {&kFrameFunctions, &kPreprocFunctions})
+    result.insert(result.end(), list->begin(), list->end());
   return result;
 }
 
