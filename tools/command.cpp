@@ -1,0 +1,15 @@
+#include "command.h"
+
+namespace quofp {
+
+CLI::App& Commands::declare(const Description& description) {
+  CLI::App* const command = app_.add_subcommand(description.name, description.summary);
+  std::string footer;
+  if (!description.details.empty()) footer += description.details + "\n\n";
+  footer += "Examples:";
+  for (const std::string& example : description.examples) footer += "\n  " + example;
+  command->footer(footer);
+  return *command;
+}
+
+}  // namespace quofp

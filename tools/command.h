@@ -1,0 +1,46 @@
+// How a command joins the tool: its name, its options and what it does.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "failure.h"
+
+namespace quofp {
+
+/** How a command presents itself in the help. */
+struct Description {
+  std::string name;
+  std::string summary;                // one line, for the list of commands
+  std::vector<std::string> examples;  // command lines, each may end in "  # what it does"
+  std::string details = {};           // paragraphs after the options, before the examples
+};
+
+/** The commands of the tool; the one given on the command line runs once parsing has succeeded. */
+class Commands {
+ public:
+  explicit Commands(CLI::App& app) : app_(app) {}
+
+  /** Adds a command. `define` declares its options, bound to an Options value that lives as long as the tool; `run`
+   *  gets it filled in. A Failure thrown by `run` ends the tool with its message and exit code. */
+  template <typename Options>
+  void add(const Description& description, void (*define)(CLI::App&, Options&), Exit (*run)(const Options&)) {
+    auto options = std::make_shared<Options>();
+    CLI::App& command = declare(description);
+    define(command, *options);
+    command.callback([this, options, run] { chosen_ = [options, run] { return run(*options); }; });
+  }
+
+  Exit run_chosen() const { return chosen_(); }
+
+ private:
+  CLI::App& declare(const Description& description);
+
+  CLI::App& app_;
+  std::function<Exit()> chosen_;
+};
+
+}  // namespace quofp

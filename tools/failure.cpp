@@ -1,0 +1,44 @@
+#include "failure.h"
+
+#include <iostream>
+
+#include "quoFPAlg.h"
+
+namespace quofp {
+
+std::string_view result_meaning(uint32_t code) {
+  switch (code) {
+    case QUO_OK:
+      return "success";
+    case QUO_NO_MEMORY:
+      return "a buffer could not be allocated";
+    case QUO_NO_IMAGE:
+      return "there is no image";
+    case QUO_NO_OUTPUT:
+      return "a required pointer is null";
+    case QUO_LOW_COVERAGE:
+      return "the finger covers less of the sensor than required";
+    default:
+      return "unknown result code";
+  }
+}
+
+Failure usage_failure(const std::string& reason) { return {Exit::kUsage, reason}; }
+
+Failure file_failure(const std::string& file, const std::string& reason) {
+  return {Exit::kInputOutput, file + ": " + reason};
+}
+
+Failure refusal(const std::string& file, std::string_view function, uint32_t code, std::string_view meaning) {
+  const std::string_view words = meaning.empty() ? result_meaning(code) : meaning;
+  return {Exit::kRefused,
+          file + ": " + std::string(function) + " returned " + std::to_string(code) + ": " + std::string(words)};
+}
+
+void report(const std::exception& failure) { std::cerr << "quofp: " << failure.what() << '\n'; }
+
+void note(const std::string& file, const std::string& text) {
+  std::cerr << "quofp: note: " << file << ": " << text << '\n';
+}
+
+}  // namespace quofp

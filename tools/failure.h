@@ -1,0 +1,72 @@
+// What can go wrong in the tool, what it says on standard error, and what its exit code tells.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace quofp {
+
+/** Exit codes of the tool; of a batch, the highest one that occurred. */
+enum class Exit : int {
+  kDone = 0,
+  kRefused = 1,  // the library refused a frame, or a check that was asked for failed
+  kUsage = 2,
+  kInputOutput = 3,
+};
+
+inline Exit worse(Exit a, Exit b) { return std::max(a, b); }
+
+/** A failure with the line that the user reads and the exit code that scripts read. */
+class Failure : public std::runtime_error {
+ public:
+  Failure(Exit exit, const std::string& message) : std::runtime_error(message), exit_(exit) {}
+  Exit exit() const { return exit_; }
+
+ private:
+  Exit exit_;
+};
+
+/** The command line does not make sense. */
+Failure usage_failure(const std::string& reason);
+
+/** A file cannot be read, is not what it should be, or cannot be written. */
+Failure file_failure(const std::string& file, const std::string& reason);
+
+/** A library function returned a result code other than success; `meaning` replaces the general words for a code that
+ *  means something else for this function. */
+Failure refusal(const std::string& file, std::string_view function, uint32_t code, std::string_view meaning = {});
+
+/** The general meaning of a result code of the library, in words. */
+std::string_view result_meaning(uint32_t code);
+
+/** Throws the refusal unless `code` is success. */
+inline void check_result(const std::string& file, std::string_view function, uint32_t code) {
+  if (code != 0) throw refusal(file, function, code);
+}
+
+/** Writes the failure to standard error. */
+void report(const std::exception& failure);
+
+/** Tells on standard error something that the user should know and that stops nothing. */
+void note(const std::string& file, const std::string& text);
+
+/** Calls `work` for each item. A failure is reported and the other items still get their turn. `work` returns an Exit.
+ *  @return the worst exit code that occurred */
+template <typename Items, typename Work>
+Exit for_each_item(const Items& items, Work work) {
+  Exit exit = Exit::kDone;
+  for (const auto& item : items) {
+    try {
+      exit = worse(exit, work(item));
+    } catch (const Failure& failure) {
+      report(failure);
+      exit = worse(exit, failure.exit());
+    }
+  }
+  return exit;
+}
+
+}  // namespace quofp

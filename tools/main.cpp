@@ -1,0 +1,68 @@
+// quofp: looks at frames of a fingerprint sensor through libquoFPAlg.
+#include <iostream>
+
+#include "command.h"
+#include "commands.h"
+#include "failure.h"
+#include "quoFPAlg.h"
+
+namespace {
+
+using namespace quofp;
+
+// In the order of the help. One group a subsystem, kept apart by blank lines.
+constexpr void (*kCommands[])(Commands&) = {
+    // Frames
+    add_synth,
+
+    // Capture preprocessing
+
+    // Image quality and orientation
+
+    // Sensor defect inspection
+
+    // Sp templates
+
+    // Signal analysis
+
+    // Sensor calibration
+
+    // Image operator toolbox
+};
+
+std::string version() {
+  return "quofp " + std::to_string(QUO_VERSION) + "\nlibquoFPAlg " + std::to_string(FP_GetVersion());
+}
+
+Exit run(int argc, char** argv) {
+  CLI::App app("Looks at frames of a fingerprint sensor through libquoFPAlg.", "quofp");
+  app.set_version_flag("--version", version);
+  app.require_subcommand(1);
+  app.footer(
+      "Exit codes: 0 done, 1 the library refused a frame or a check failed, 2 usage, 3 input or output.\n"
+      "Help with examples for a command: quofp COMMAND --help");
+  Commands commands(app);
+  for (const auto add : kCommands) add(commands);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? Exit::kDone : Exit::kUsage;  // prints the help or what is wrong
+  }
+  return commands.run_chosen();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    const Exit exit = run(argc, argv);
+    if (!std::cout.flush()) throw file_failure("standard output", "cannot be written");
+    return static_cast<int>(exit);
+  } catch (const Failure& failure) {
+    report(failure);
+    return static_cast<int>(failure.exit());
+  } catch (const std::exception& failure) {
+    report(failure);
+    return static_cast<int>(Exit::kInputOutput);
+  }
+}

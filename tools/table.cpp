@@ -1,0 +1,134 @@
+#include "table.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <ostream>
+#include <stdexcept>
+
+namespace quofp {
+namespace {
+
+std::string fixed(double value, int decimals) {
+  char text[400];
+  std::snprintf(text, sizeof text, "%.*f", decimals, value);
+  return text;
+}
+
+// Characters of UTF-8 text: the bytes that do not continue one.
+size_t display_width(const std::string& text) {
+  const auto continues = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; };
+  return text.size() - static_cast<size_t>(std::count_if(text.begin(), text.end(), continues));
+}
+
+std::string csv_field(const std::string& text) {
+  if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
+  std::string quoted = "\"";
+  for (const char c : text) {
+    if (c == '"') quoted += '"';
+    quoted += c;
+  }
+  return quoted + '"';
+}
+
+bool is_text(const Cell& cell) { return std::holds_alternative<std::string>(cell); }
+
+}  // namespace
+
+void add_format_option(CLI::App& command, Format& format) {
+  static const std::map<std::string, Format> names = {
+      {"table", Format::kTable}, {"csv", Format::kCsv}, {"json", Format::kJson}};
+  command.add_option("--format", format, "how rows are printed: table (default), csv or json")
+      ->transform(CLI::CheckedTransformer(names, CLI::ignore_case).description(""))
+      ->type_name("FORMAT");
+}
+
+void Table::add(std::vector<Cell> row) {
+  if (row.size() != columns_.size()) throw std::logic_error("a table row has another number of cells than columns");
+  rows_.push_back(std::move(row));
+}
+
+void Table::print(std::ostream& out, Format format) const {
+  switch (format) {
+    case Format::kTable:
+      return print_aligned(out);
+    case Format::kCsv:
+      return print_csv(out);
+    case Format::kJson:
+      return print_json(out);
+  }
+}
+
+std::string Table::text(const Cell& cell, size_t column) const {
+  if (const auto* value = std::get_if<std::string>(&cell)) return *value;
+  if (const auto* value = std::get_if<int64_t>(&cell)) return std::to_string(*value);
+  if (const auto* value = std::get_if<double>(&cell)) return fixed(*value, columns_[column].decimals);
+  if (const auto* value = std::get_if<bool>(&cell)) return *value ? "yes" : "no";
+  return "";
+}
+
+// Text is aligned to the left, numbers to the right, under a heading aligned like them.
+void Table::print_aligned(std::ostream& out) const {
+  std::vector<size_t> widths;
+  for (const Column& column : columns_) widths.push_back(column.name.size());
+  std::vector<bool> left(columns_.size(), false);
+  for (const auto& row : rows_) {
+    for (size_t i = 0; i < row.size(); i++) {
+      widths[i] = std::max(widths[i], std::max<size_t>(1, display_width(text(row[i], i))));
+      left[i] = left[i] || is_text(row[i]);
+    }
+  }
+  const auto print_line = [&](const auto& text_of) {
+    std::string line;
+    for (size_t i = 0; i < columns_.size(); i++) {
+      const std::string value = text_of(i);
+      const std::string padding(widths[i] - display_width(value), ' ');
+      line += (i == 0 ? "" : "  ") + (left[i] ? value + padding : padding + value);
+    }
+    line.erase(line.find_last_not_of(' ') + 1);
+    out << line << '\n';
+  };
+  print_line([&](size_t i) { return columns_[i].name; });
+  for (const auto& row : rows_) {
+    print_line([&](size_t i) {
+      const std::string value = text(row[i], i);
+      return value.empty() ? "-" : value;
+    });
+  }
+}
+
+void Table::print_csv(std::ostream& out) const {
+  for (size_t i = 0; i < columns_.size(); i++) out << (i == 0 ? "" : ",") << columns_[i].name;
+  out << '\n';
+  for (const auto& row : rows_) {
+    for (size_t i = 0; i < row.size(); i++) out << (i == 0 ? "" : ",") << csv_field(text(row[i], i));
+    out << '\n';
+  }
+}
+
+void Table::print_json(std::ostream& out) const {
+  auto array = nlohmann::ordered_json::array();
+  for (const auto& row : rows_) {
+    auto object = nlohmann::ordered_json::object();
+    for (size_t i = 0; i < row.size(); i++) {
+      auto& field = object[columns_[i].name];
+      if (const auto* number = std::get_if<double>(&row[i])) {
+        if (std::isfinite(*number)) field = std::strtod(text(row[i], i).c_str(), nullptr);
+      } else {
+        std::visit(
+            [&field](const auto& value) {
+              if constexpr (!std::is_same_v<std::decay_t<decltype(value)>, std::monostate>) field = value;
+            },
+            row[i]);
+      }
+    }
+    array.push_back(std::move(object));
+  }
+  // File names need not be UTF-8; what is not becomes U+FFFD instead of an error.
+  out << array.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << '\n';
+}
+
+}  // namespace quofp

@@ -1,0 +1,49 @@
+// One set of rows, shown as an aligned table, as CSV or as JSON.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <cstdint>
+#include <iosfwd>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace quofp {
+
+enum class Format { kTable, kCsv, kJson };
+
+/** Declares --format table|csv|json. */
+void add_format_option(CLI::App& command, Format& format);
+
+/** A column: its name is the same in all three formats, lower case with underscores, and does not change between
+ *  versions. Values of type double show this many decimals. */
+struct Column {
+  std::string name;
+  int decimals = 2;
+};
+
+/** A value; std::monostate where there is none: "-" in a table, empty in CSV, null in JSON. */
+using Cell = std::variant<std::monostate, std::string, int64_t, double, bool>;
+
+class Table {
+ public:
+  explicit Table(std::vector<Column> columns) : columns_(std::move(columns)) {}
+
+  /** Adds a row with one cell a column. */
+  void add(std::vector<Cell> row);
+
+  bool empty() const { return rows_.empty(); }
+
+  void print(std::ostream& out, Format format) const;
+
+ private:
+  std::string text(const Cell& cell, size_t column) const;
+  void print_aligned(std::ostream& out) const;
+  void print_csv(std::ostream& out) const;
+  void print_json(std::ostream& out) const;
+
+  std::vector<Column> columns_;
+  std::vector<std::vector<Cell>> rows_;
+};
+
+}  // namespace quofp
