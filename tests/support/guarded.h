@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <memory>
 #include <span>
 
 namespace quo_test {
@@ -35,10 +36,8 @@ class Guarded {
   }
 
  private:
-  uint8_t* base_;    // of the mapping
-  size_t mapped_;    // bytes, the guard pages included
-  uint8_t* usable_;  // the readable pages
-  size_t usable_size_;
+  struct Mapping;
+  std::unique_ptr<Mapping> mapping_;
   uint8_t* data_;
   size_t size_;
 };
