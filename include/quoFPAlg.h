@@ -42,11 +42,13 @@ extern "C" {
  *  Entry points return these; each function lists the ones it can return.
  *  @{
  */
-#define QUO_OK 0u           /**< Success. */
-#define QUO_NO_MEMORY 1u    /**< A buffer could not be allocated, or its byte count does not fit in 32 bits. */
-#define QUO_NO_IMAGE 2u     /**< The image pointer is null. */
-#define QUO_NO_OUTPUT 3u    /**< A required pointer is null. */
-#define QUO_LOW_COVERAGE 5u /**< The finger covers less of the sensor than required. */
+#define QUO_OK 0u              /**< Success. */
+#define QUO_NO_MEMORY 1u       /**< A buffer could not be allocated, or its byte count does not fit in 32 bits. */
+#define QUO_NO_IMAGE 2u        /**< The image pointer is null. */
+#define QUO_BAD_TEMPLATE 2u    /**< DecodeSpTemplates(): the template is damaged or too long. */
+#define QUO_NO_OUTPUT 3u       /**< A required pointer is null. */
+#define QUO_LOW_COVERAGE 5u    /**< The finger covers less of the sensor than required. */
+#define QUO_TEMPLATE_MISFIT 8u /**< A template cannot be decoded, or two templates are of different frame sizes. */
 /** @} */
 
 /* ------------------------------------------------------------------------------------------------------------------ */
@@ -431,7 +433,127 @@ QUO_API uint32_t FP_ImageEnhance_Slice(uint8_t *frame, int32_t width, int32_t he
 /* Sensor defect inspection */
 
 /* ------------------------------------------------------------------------------------------------------------------ */
-/* Sp templates */
+/** @name Sp templates
+ *
+ *  A compact description of a frame by six binarised line profiles: rows 12, height / 2 and height - 12, then columns
+ *  12, width / 2 and width - 12, each without its first and last 12 pixels. Two frames are compared profile by profile,
+ *  position by position and without any shift, so they must show the finger at the same place.
+ *
+ *  A *profile record* holds the profiles as they are compared: a version byte, the payload length T = 3 x (width +
+ *  height - 44), then T bytes of sections, each a length and that many profile bytes. An *Sp template* is its
+ *  run-length coded form, the one byte format that is meant to be stored. All lengths are 16-bit big-endian.
+ *  docs/sp-template-format.md describes both byte by byte.
+ *  @{
+ */
+
+/** Bytes that DecodeSpTemplates() and FP_MatchSpTemplates() read of a template at most, whatever the bytes are. Bytes
+ *  from storage that may be damaged or cut short are safe to decode from a buffer of this size, filled up with zeros. */
+#define QUO_SP_MAX_READ 2042u
+
+/** Binarises a line of pixels in place against its sliding local mean.
+ *
+ *  A pixel brighter than the truncated mean of the 31 pixels around it (those of them inside the line) becomes 255, any
+ *  other 0; pixels of 254 and 255 stay as they are. Scratch memory of 2 x (n + 1) 32-bit sums; constant work per pixel.
+ *
+ *  @param line  n pixels, overwritten
+ *  @param n     number of pixels; 0 or less does nothing and succeeds
+ *  @return QUO_OK, or QUO_NO_MEMORY with the line unchanged
+ */
+QUO_API uint32_t AdaptiveLineBinary(uint8_t *line, int32_t n);
+
+/** Samples the six profiles of a frame and binarises them into a profile record.
+ *
+ *  @param frame   width x height gray image
+ *  @param width   pixels per row, above 24
+ *  @param height  rows, above 24
+ *  @param record  receives the record of T + 3 bytes, for tev_quo_free(); may be null, then the record is made and freed
+ *  @param size    receives T + 3; may be null
+ *  @return QUO_OK, or QUO_NO_MEMORY with nothing written: no memory, a width or height of 24 or less, or a frame so
+ *          large that T exceeds 65535 (width + height above 21889)
+ */
+QUO_API uint32_t ExtractSpTemplates(const uint8_t *frame, int32_t width, int32_t height, uint8_t **record,
+                                    uint32_t *size);
+
+/** Codes a profile record as an Sp template.
+ *
+ *  @param record       a profile record: its sections fill its T bytes exactly and none is empty. T may be up to 65535,
+ *                      but templates of T above 1020 cannot be decoded again.
+ *  @param sp_template  receives the template, for FP_DeleteSpTemplates(); may be null, then nothing is written
+ *  @param size         receives the template's length in bytes; may be null
+ *  @return QUO_OK, or QUO_NO_MEMORY with nothing written: no memory, or not a profile record
+ */
+QUO_API uint32_t EncodeSpTemplates(const uint8_t *record, uint8_t **sp_template, uint32_t *size);
+
+/** Decodes an Sp template into the profile record that it was made from.
+ *
+ *  The template may hold any bytes. Its own layout says where it ends: of a valid template no byte beyond its end is
+ *  read, of any other at most QUO_SP_MAX_READ bytes in all. The record is never written beyond its T + 3 bytes.
+ *
+ *  @param sp_template  the template
+ *  @param record       receives the record of T + 3 bytes, for tev_quo_free(); may be null, then it is made and freed
+ *  @param size         receives T + 3; may be null
+ *  @return QUO_OK; QUO_NO_MEMORY; or QUO_BAD_TEMPLATE: T is above 1020, a section or run does not fit in what remains of
+ *          the record, a run's count is 0, or the version is not 0 and the last byte does not repeat it. Unless QUO_OK,
+ *          nothing is written.
+ */
+QUO_API uint32_t DecodeSpTemplates(const uint8_t *sp_template, uint8_t **record, uint32_t *size);
+
+/** Scores how alike two profile records are.
+ *
+ *  Every section is scored by the share of its dark positions (profile value 0) that are dark in both records, in
+ *  percent; a section counts when more than a third of its positions are dark in at least one. The score mixes the
+ *  share over all sections (7 / 10) with the best section (3 / 10). A share of 49 or less is doubled when the standard
+ *  deviation of the section scores is 30 or more, trebled from 45 on. Of the section scores the first ten enter the
+ *  deviation.
+ *
+ *  @param first   a profile record; its section lengths may be anything, nothing beyond its T + 3 bytes is read
+ *  @param second  as first
+ *  @param score   receives 0 to 100; may be null
+ *  @return 0, or 1 with nothing written when the records do not fit together: another version, T or section length, or
+ *          a section that reaches beyond T + 3
+ */
+QUO_API uint32_t MatchSpTemplates(const uint8_t *first, const uint8_t *second, uint32_t *score);
+
+/** Compares two profiles over the stretch from the first to the last position that is dark (0) in either.
+ *
+ *  @param first   n profile bytes
+ *  @param second  n profile bytes
+ *  @param n       positions
+ *  @param span    receives the length of the stretch; 0 when fewer than two positions are dark
+ *  @param equal   receives the number of positions in it where both profiles hold the same byte
+ */
+QUO_API void LocalMatchSpTemplates(const uint8_t *first, const uint8_t *second, uint16_t n, uint32_t *span,
+                                   uint32_t *equal);
+
+/** Makes the Sp template of a frame.
+ *
+ *  @param frame        width x height gray image
+ *  @param width        pixels per row, above 24
+ *  @param height       rows, above 24; width + height at most 384, or the template cannot be matched
+ *  @param sp_template  receives the template, for FP_DeleteSpTemplates(); when null, nothing is done
+ *  @param size         receives the template's length in bytes; may be null
+ *  @return QUO_OK, or QUO_NO_MEMORY with nothing written: no memory, or a size that ExtractSpTemplates() refuses
+ */
+QUO_API uint32_t FP_ExtractSpTemplates(const uint8_t *frame, uint32_t width, uint32_t height, uint8_t **sp_template,
+                                       uint32_t *size);
+
+/** Releases an Sp template and forgets it.
+ *
+ *  @param sp_template  pointer to the template, set to null; not null itself. A template of null does nothing.
+ */
+QUO_API void FP_DeleteSpTemplates(uint8_t **sp_template);
+
+/** Scores how alike two Sp templates are, as MatchSpTemplates() does.
+ *
+ *  @param first   a template; any bytes, see DecodeSpTemplates()
+ *  @param second  as first
+ *  @param score   receives 0 to 100; may be null
+ *  @return QUO_OK, or QUO_TEMPLATE_MISFIT with nothing written: a template cannot be decoded, for want of memory too, or
+ *          the two are of different versions or frame sizes
+ */
+QUO_API uint32_t FP_MatchSpTemplates(const uint8_t *first, const uint8_t *second, uint32_t *score);
+
+/** @} */
 
 /* ------------------------------------------------------------------------------------------------------------------ */
 /* Signal analysis */
