@@ -42,6 +42,11 @@ void fail_allocation(uint64_t index, bool and_later) {
   state().fail_later = and_later;
 }
 
+void fail_no_allocation() {
+  state().failing_index = UINT64_MAX;
+  state().fail_later = false;
+}
+
 void set_fresh_byte(uint8_t value) { state().fresh_byte = value; }
 
 }  // namespace quo_test

@@ -25,6 +25,9 @@ void reset_hooks();
 /** Lets the allocation with this index (0 is the next one) fail, and with `and_later` every one after it. */
 void fail_allocation(uint64_t index, bool and_later = false);
 
+/** Lets every allocation succeed from here on. */
+void fail_no_allocation();
+
 /** Fresh blocks are filled with this byte, so that a read of memory that nobody wrote changes the result. */
 void set_fresh_byte(uint8_t value);
 
@@ -38,7 +41,10 @@ uint64_t for_each_failing_allocation(Call call, Check check) {
       reset_hooks();
       fail_allocation(index, and_later);
       auto result = call();
-      if (hooks().sizes.size() <= index) return index;
+      if (hooks().sizes.size() <= index) {
+        fail_no_allocation();
+        return index;
+      }
       check(index, result);
     }
   }

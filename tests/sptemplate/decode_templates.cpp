@@ -1,0 +1,171 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "quoFPAlg.h"
+#include "reference/sptemplate.h"
+#include "sptemplate/records.h"
+#include "support/guarded.h"
+#include "support/hooks.h"
+
+using namespace quo_test;
+
+namespace {
+
+struct Decoded {
+  uint32_t result;
+  Bytes record;
+};
+
+// The template ends at an unreadable page.
+Decoded decoded(const Bytes& sp_template) {
+  Guarded input(sp_template, Guard::kAfter);
+  input.make_read_only();
+  uint8_t* record = nullptr;
+  uint32_t size = 0;
+  const uint32_t result = DecodeSpTemplates(input.data(), &record, &size);
+  EXPECT_EQ(result == QUO_OK, record != nullptr);
+  EXPECT_EQ(size == 0, record == nullptr);
+  return {result, take(record, size)};
+}
+
+// Decodes as many bytes as the reference looks at, and compares.
+void expect_as_reference(Bytes bytes) {
+  const reference::Decoded expected = reference::decoded(bytes);
+  ASSERT_LE(expected.read, QUO_SP_MAX_READ);
+  bytes.resize(expected.read);
+  const Decoded result = decoded(bytes);
+  ASSERT_EQ(result.result, expected.accepted ? QUO_OK : QUO_BAD_TEMPLATE) << testing::PrintToString(bytes);
+  if (expected.accepted) {
+    ASSERT_EQ(result.record, expected.record);
+  }
+}
+
+/** A template of runs as given, value and count. */
+Bytes template_of(size_t payload, const Bytes& coded, uint8_t version = 1, uint8_t trailer = 1) {
+  Bytes bytes{version};
+  append(bytes, u16(payload));
+  append(bytes, coded);
+  bytes.push_back(trailer);
+  return bytes;
+}
+
+}  // namespace
+
+TEST(DecodeSpTemplates, ExpandsTheRunsOfEverySection) {
+  const struct {
+    Bytes sp_template;
+    Bytes expected;
+  } cases[] = {
+      {template_of(138, {0, 0x88, 0, 0x88}), record_of({Bytes(136, 0)})},
+      {template_of(8, {0, 3, 7, 2, 8, 1, 0, 1, 8, 1}), record_of({{7, 7, 8}, {8}})},
+      {template_of(262, {1, 4, 0, 255, 0, 5}), record_of({Bytes(260, 0)})},  // two runs of one value
+      {template_of(0, {}), record_of({})},
+      {template_of(3, {0, 1, 5, 1}, 200, 200), record_of({{5}}, 200)},
+      {template_of(3, {0, 1, 5, 1}, 0, 77), record_of({{5}}, 0)},  // version 0 has no trailer to compare
+  };
+  for (const auto& c : cases) {
+    const Decoded result = decoded(c.sp_template);
+    EXPECT_EQ(result.result, QUO_OK);
+    EXPECT_EQ(result.record, c.expected);
+  }
+}
+
+// What no encoder writes but stays within the record: a run that goes beyond its section, a run for an empty section.
+TEST(DecodeSpTemplates, ExpandsLooseRunsWithinTheRecord) {
+  EXPECT_EQ(decoded(template_of(6, {0, 2, 9, 4})).record, (Bytes{1, 0, 6, 0, 2, 9, 9, 9, 9}));
+  EXPECT_EQ(decoded(template_of(7, {0, 0, 9, 2, 0, 1, 8, 1})).record, (Bytes{1, 0, 7, 0, 0, 9, 9, 0, 1, 8}));
+}
+
+TEST(DecodeSpTemplates, RejectsWhatDoesNotFitTheRecord) {
+  const Bytes rejected[] = {
+      {1, 0x03, 0xFD},                       // T of 1021, rejected before anything else is read
+      {0, 0xFF, 0xFF},                       // T of 65535
+      template_of(3, {0, 1, 5, 1}, 1, 2),    // another trailer
+      template_of(3, {0, 1, 5, 1}, 255, 0),  //
+      {1, 0, 1},                             // half a section header
+      template_of(4, {0, 1, 5, 1}),          // likewise, after a section
+      {1, 0, 5, 0, 4},                       // a section longer than what remains
+      {1, 0, 5, 0xFF, 0xFF},                 //
+      {1, 0, 2, 0, 0},                       // an empty section without room for its run
+      {1, 0, 5, 0, 3, 5, 4},                 // a run longer than what remains
+      {1, 0, 5, 0, 3, 5, 2, 5, 255},         //
+      {1, 0, 5, 0, 3, 5, 0},                 // a count of 0
+      {1, 0, 5, 0, 0, 5, 0},                 // also for an empty section
+  };
+  for (const Bytes& bytes : rejected) {
+    reset_hooks();
+    EXPECT_EQ(decoded(bytes).result, QUO_BAD_TEMPLATE) << testing::PrintToString(bytes);
+    EXPECT_EQ(hooks().live_blocks, 0U);
+  }
+  reset_hooks();
+  EXPECT_EQ(decoded({1, 0x03, 0xFD}).result, QUO_BAD_TEMPLATE);
+  EXPECT_TRUE(hooks().sizes.empty());
+}
+
+TEST(DecodeSpTemplates, UndoesTheEncodingAndReadsNoFurther) {
+  Random random(53);
+  for (int round = 0; round < 500; round++) {
+    std::vector<Bytes> profiles;
+    for (size_t left = 1020; left > 2 && profiles.size() < 12;) {
+      const auto most = std::min<int32_t>(static_cast<int32_t>(left) - 2, random.chance(10) ? 1018 : 200);
+      profiles.push_back(random_profile(random, static_cast<size_t>(random.between(1, most))));
+      left -= profiles.back().size() + 2;
+    }
+    const Bytes record = record_of(profiles, random.byte());
+    uint8_t* coded = nullptr;
+    uint32_t size = 0;
+    ASSERT_EQ(EncodeSpTemplates(record.data(), &coded, &size), QUO_OK);
+    Bytes bytes = take(coded, size);
+    if (bytes[0] == 0) bytes.pop_back();  // nor is the trailer of version 0 read
+    ASSERT_EQ(decoded(bytes).record, record);
+  }
+}
+
+// The longest reading there is: runs of one position through the largest record.
+TEST(DecodeSpTemplates, ReadsNoMoreThanItsBound) {
+  Bytes coded = u16(1018);
+  for (int i = 0; i < 1018; i++) append(coded, {static_cast<uint8_t>(i), 1});
+  const Bytes longest = template_of(1020, coded);
+  EXPECT_EQ(longest.size(), QUO_SP_MAX_READ);
+  EXPECT_EQ(decoded(longest).result, QUO_OK);
+}
+
+TEST(DecodeSpTemplates, AgreesWithTheReferenceOnDamagedTemplates) {
+  Random random(54);
+  uint64_t accepted = 0;
+  for (int round = 0; round < 4000; round++) {
+    std::vector<Bytes> profiles;
+    for (int i = random.between(0, 6); i >= 0; i--) {
+      profiles.push_back(random_profile(random, static_cast<size_t>(random.between(1, 60))));
+    }
+    const Bytes record = record_of(profiles, static_cast<uint8_t>(random.between(0, 1)));
+    uint8_t* coded = nullptr;
+    uint32_t size = 0;
+    ASSERT_EQ(EncodeSpTemplates(record.data(), &coded, &size), QUO_OK);
+    Bytes bytes = take(coded, size);
+    for (int damage = random.between(1, 3); damage > 0; damage--) {
+      uint8_t& byte = bytes[static_cast<size_t>(random.between(0, static_cast<int32_t>(bytes.size()) - 1))];
+      byte = static_cast<uint8_t>(random.chance(50) ? random.between(0, 4) : byte + random.between(-2, 2));
+    }
+    if (random.chance(20)) bytes.resize(static_cast<size_t>(random.between(0, static_cast<int32_t>(bytes.size()))));
+    ASSERT_NO_FATAL_FAILURE(expect_as_reference(bytes));
+    accepted += reference::decoded(bytes).accepted;
+  }
+  EXPECT_GT(accepted, 400U);  // both outcomes occur often enough to mean something
+  EXPECT_LT(accepted, 3600U);
+}
+
+TEST(DecodeSpTemplates, HandsOutOnlyWhatIsAskedFor) {
+  const Bytes sp_template = template_of(5, {0, 3, 0, 2, 255, 1});
+  uint32_t size = 0;
+  uint8_t* record = nullptr;
+  reset_hooks();
+  EXPECT_EQ(DecodeSpTemplates(sp_template.data(), nullptr, &size), QUO_OK);
+  EXPECT_EQ(size, 8U);
+  EXPECT_EQ(DecodeSpTemplates(sp_template.data(), &record, nullptr), QUO_OK);
+  EXPECT_EQ(take(record, 8), record_of({{0, 0, 255}}));
+  EXPECT_THAT(hooks().sizes, testing::ElementsAre(8, 8));
+  fail_allocation(0);
+  EXPECT_EQ(decoded(sp_template).result, QUO_NO_MEMORY);
+  EXPECT_EQ(hooks().live_blocks, 0U);
+}

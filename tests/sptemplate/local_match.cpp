@@ -1,0 +1,66 @@
+#include <gtest/gtest.h>
+
+#include <utility>
+
+#include "quoFPAlg.h"
+#include "sptemplate/records.h"
+#include "support/guarded.h"
+
+using namespace quo_test;
+
+namespace {
+
+using SpanAndEqual = std::pair<uint32_t, uint32_t>;
+
+SpanAndEqual local_match(const Bytes& first, const Bytes& second) {
+  Guarded a(first, Guard::kAfter), b(second, Guard::kAfter);
+  SpanAndEqual result{99, 99};
+  LocalMatchSpTemplates(a.data(), b.data(), static_cast<uint16_t>(first.size()), &result.first, &result.second);
+  return result;
+}
+
+// From the list of all dark positions.
+SpanAndEqual from_definition(const Bytes& first, const Bytes& second) {
+  std::vector<size_t> dark;
+  for (size_t i = 0; i < first.size(); i++) {
+    if (first[i] == 0 || second[i] == 0) dark.push_back(i);
+  }
+  if (dark.size() < 2) return {0, 0};
+  uint32_t equal = 0;
+  for (size_t i = dark.front(); i <= dark.back(); i++) equal += first[i] == second[i];
+  return {static_cast<uint32_t>(dark.back() - dark.front() + 1), equal};
+}
+
+}  // namespace
+
+TEST(LocalMatchSpTemplates, CountsEqualBytesBetweenTheOuterDarkPositions) {
+  const Bytes first{255, 255, 255, 0, 255, 254, 0, 0, 255, 255, 255, 255};
+  const Bytes second{255, 255, 255, 255, 255, 255, 0, 0, 255, 255, 0, 254};
+  EXPECT_EQ(local_match(first, second), SpanAndEqual(8, 5));
+  EXPECT_EQ(local_match({}, {}), SpanAndEqual(0, 0));
+  EXPECT_EQ(local_match({0}, {0}), SpanAndEqual(0, 0));
+  EXPECT_EQ(local_match(Bytes(65535, 0), Bytes(65535, 0)), SpanAndEqual(65535, 65535));
+}
+
+TEST(LocalMatchSpTemplates, EqualsItsDefinitionForAllShortProfiles) {
+  const uint8_t values[] = {0, 254, 255};
+  for (size_t n = 1; n <= 4; n++) {
+    Bytes first(n), second(n);
+    size_t codes = 1;
+    for (size_t i = 0; i < 2 * n; i++) codes *= 3;
+    for (size_t code = 0; code < codes; code++) {
+      size_t rest = code;
+      for (size_t i = 0; i < n; i++, rest /= 9) {
+        first[i] = values[rest % 3];
+        second[i] = values[rest / 3 % 3];
+      }
+      ASSERT_EQ(local_match(first, second), from_definition(first, second)) << "code " << code << " of " << n;
+    }
+  }
+  Random random(56);
+  for (int round = 0; round < 300; round++) {
+    const auto n = static_cast<size_t>(random.between(5, 200));
+    const Bytes first = random_profile(random, n), second = random_profile(random, n);
+    ASSERT_EQ(local_match(first, second), from_definition(first, second));
+  }
+}
