@@ -430,7 +430,134 @@ QUO_API uint32_t FP_ImageEnhance_Slice(uint8_t *frame, int32_t width, int32_t he
 /* Image quality and orientation */
 
 /* ------------------------------------------------------------------------------------------------------------------ */
-/* Sensor defect inspection */
+/** @name Sensor defect inspection
+ *
+ *  Line defects are whole columns or rows that read differently from those beside them. Bad pixels read much darker
+ *  than the rest of the frame and lie in clusters. Mark images hold 255 at a defect and 0 elsewhere.
+ *  @{
+ */
+
+/** Finds line defects in a frame from the sums of its columns and rows.
+ *
+ *  A line is dark when its mean is below 0.9 of the reference. The inspected span runs from the first to the last dark
+ *  line, the first two lines and the last three left out. Inside it a line whose mean differs from that of the line
+ *  before by more than 50 gray levels (for columns also by exactly 50) is a jump: a band of marked lines begins there
+ *  and ends before the next jump or the end of the span. The first and the last line of the span are never marked.
+ *
+ *  The ends of the span are 8-bit indices: in a frame of more than 258 lines they are taken modulo 256. Lines of more
+ *  than 16,843,009 pixels have sums modulo 2^32. Scratch memory of four bytes a line, and a byte a line for the marks.
+ *
+ *  @param image          width x height gray image
+ *  @param width          pixels per row; in a frame of 4 or fewer columns no column is marked
+ *  @param height         rows; as width
+ *  @param reference      gray level of the uncovered sensor; above 230 taken as 230
+ *  @param column_pixels  receives the number of pixels on marked columns; may be null
+ *  @param row_pixels     receives the number of pixels on marked rows; may be null
+ *  @param column_marks   receives width bytes, 1 for a column on a defect and 0 otherwise, to be released with
+ *                        tev_quo_free(); may be null
+ *  @param row_marks      receives height bytes for the rows, likewise
+ *  @return QUO_OK; QUO_NO_MEMORY with nothing written
+ */
+QUO_API uint32_t CheckBadLine(const uint8_t *image, int32_t width, int32_t height, uint8_t reference,
+                              uint32_t *column_pixels, uint32_t *row_pixels, uint8_t **column_marks,
+                              uint8_t **row_marks);
+
+/** Counts the pixels on line defects of a frame, by CheckBadLine() with a reference of 220, and marks them.
+ *
+ *  @param image        width x height gray image
+ *  @param width        pixels per row
+ *  @param height       rows
+ *  @param line_pixels  increased by the number of pixels on marked columns and on marked rows; a pixel on both counts
+ *                      twice. The caller sets it first; must not be null.
+ *  @param mark_image   receives a width x height mark image, to be released with tev_quo_free(); may be null
+ *  @return QUO_OK; QUO_NO_OUTPUT, with nothing done, when line_pixels is null; QUO_NO_MEMORY with line_pixels unchanged
+ *          and an empty mark image, or null where that could not be allocated either
+ */
+QUO_API uint32_t FP_GetBadLinePixelsNum(const uint8_t *image, int32_t width, int32_t height, uint32_t *line_pixels,
+                                        uint8_t **mark_image);
+
+/** Counts the bad pixels of a frame: pixels far below the mean of its dark levels, in clusters.
+ *
+ *  Dark levels are those below level_limit. The threshold is 2.3 standard deviations below their mean, but above the
+ *  lowest level that occurs; mean and variance are integers, the root is quo_sqrt(), sums are modulo 2^32. MyErodeEx()
+ *  then counts the clusters below the threshold, with a border of 2. Nothing is counted when no pixel is dark, when
+ *  more than 0.3 of the dark pixels have the lowest level, or when the frame passes anyway: when no more pixels than
+ *  the allowance are below the threshold, and the frame has more pixels than the allowance.
+ *
+ *  @param image        width x height gray image; one of 2^31 pixels or more is not inspected
+ *  @param width        pixels per row
+ *  @param height       rows
+ *  @param allowance    number of bad pixels at which counting goes on; it stops at the next one
+ *  @param bad_pixels   receives the count, 0 when nothing is counted; must not be null
+ *  @param mark_image   receives the mark image of MyErodeEx(); may be null; left as it is when nothing is counted
+ *  @param level_limit  the gray levels below are dark: the background value
+ *  @return always QUO_OK
+ */
+QUO_API uint32_t CheckBadPixelsNum(const uint8_t *image, int32_t width, int32_t height, int32_t allowance,
+                                   uint32_t *bad_pixels, uint8_t **mark_image, uint8_t level_limit);
+
+/** Counts the pixels below a threshold that have a neighbour below it, above, below, left or right.
+ *
+ *  Pixels are inspected row by row, and counting stops as soon as the count exceeds the allowance, so with an allowance
+ *  of 0 or more the count is at most allowance + 1 and the marks are those of the pixels counted.
+ *
+ *  @param image       width x height gray image
+ *  @param width       pixels per row
+ *  @param height      rows
+ *  @param border      lines at each edge that are not inspected, though they serve as neighbours; below 0 taken as 0.
+ *                     Outside the image nothing is below the threshold.
+ *  @param threshold   gray level
+ *  @param allowance   the largest count at which counting goes on; below 0 it stops at the first pixel
+ *  @param count       receives the count; may be null
+ *  @param mark_image  receives a width x height mark image of the pixels counted, to be released with tev_quo_free(),
+ *                     or null when it could not be allocated, while the pixels are counted all the same; may be null
+ */
+QUO_API void MyErodeEx(const uint8_t *image, int32_t width, int32_t height, int32_t border, uint8_t threshold,
+                       int32_t allowance, uint32_t *count, uint8_t **mark_image);
+
+/** Measures the defects of a frame and marks them.
+ *
+ *  Bad pixels are counted by CheckBadPixelsNum() on the half-size subsampled frame, each standing for four pixels, line
+ *  defects by CheckBadLine() on the frame itself, both with the background value of the half-size frame as reference,
+ *  255 when none is found. Scratch memory of a quarter of the frame, and what the two functions take.
+ *
+ *  @param frame          width x height gray image
+ *  @param width          pixels per row
+ *  @param height         rows
+ *  @param defect_pixels  receives four times the bad pixels plus the pixels on line defects; must not be null
+ *  @param mark_image     receives a width x height mark image of all defects, to be released with tev_quo_free(); may
+ *                        be null. A bad pixel is a block of 2 x 2; in a frame of odd size its marks in the last column
+ *                        or row are repeated once more.
+ *  @return QUO_OK; QUO_NO_OUTPUT, with nothing done, when defect_pixels is null; QUO_NO_MEMORY when memory could not be
+ *          allocated: with nothing written if for the half-size frame, with bad pixels alone counted and marked if for
+ *          the line detection, with the count complete and a null mark image if for that. Half-size marks that cannot
+ *          be allocated are not an error, and missing from the mark image.
+ */
+QUO_API uint32_t FP_GetBadPixelsNum(const uint8_t *frame, int32_t width, int32_t height, uint32_t *defect_pixels,
+                                    uint8_t **mark_image);
+
+/** Decides whether the defects of a frame stay within an allowance, and repairs its line defects when they do.
+ *
+ *  Finds the defects as FP_GetBadPixelsNum() does, counting no further than it must. The frame fails when four times
+ *  the bad pixels exceed the allowance, or the pixels on line defects do; both may use all of it. When it passes, its
+ *  marked columns, then its marked rows, become copies of the line before, so that a band becomes a copy of the sound
+ *  line beside it.
+ *
+ *  @param frame      width x height gray image; its line defects are repaired in place when it passes
+ *  @param width      pixels per row
+ *  @param height     rows
+ *  @param allowance  the largest number of defect pixels with which the frame passes
+ *  @param fail       receives 1 when the frame fails and 0 when it passes; must not be null
+ *  @return QUO_OK; QUO_NO_OUTPUT, with nothing done, when fail is null; QUO_NO_MEMORY with the frame unchanged and fail
+ *          0, or 1 when the half-size frame could not be allocated and the allowance is negative
+ */
+QUO_API uint32_t FP_CheckBadPixelsNum_MCU(uint8_t *frame, int32_t width, int32_t height, int32_t allowance,
+                                          uint8_t *fail);
+
+/** The same as FP_CheckBadPixelsNum_MCU(). */
+QUO_API uint32_t FP_CheckBadPixelsNum(uint8_t *frame, int32_t width, int32_t height, int32_t allowance, uint8_t *fail);
+
+/** @} */
 
 /* ------------------------------------------------------------------------------------------------------------------ */
 /** @name Sp templates

@@ -1,0 +1,98 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "defect/sensor_frame.h"
+#include "quoFPAlg.h"
+#include "support/frames.h"
+#include "support/guarded.h"
+#include "support/hooks.h"
+
+using namespace quo_test;
+
+namespace {
+
+struct Checked {
+  uint32_t result;
+  int fail;
+  Image frame;  // afterwards
+};
+
+using Check = uint32_t (*)(uint8_t*, int32_t, int32_t, int32_t, uint8_t*);
+
+Checked check(Check function, const Image& frame, int32_t allowance) {
+  Guarded guarded(frame.pixels, Guard::kAfter);
+  uint8_t fail = 77;
+  const uint32_t result = function(guarded.data(), frame.width, frame.height, allowance, &fail);
+  Image after = frame;
+  after.pixels.assign(guarded.bytes().begin(), guarded.bytes().end());
+  return {result, fail, after};
+}
+
+}  // namespace
+
+class DefectCheck : public testing::TestWithParam<Check> {};
+INSTANTIATE_TEST_SUITE_P(BothNames, DefectCheck, testing::Values(FP_CheckBadPixelsNum_MCU, FP_CheckBadPixelsNum));
+
+TEST_P(DefectCheck, HoldsPixelsAndLinesEachAgainstTheAllowance) {
+  Image frame = sound_frame();
+  EXPECT_EQ(check(GetParam(), frame, 0).fail, 0);
+  EXPECT_EQ(check(GetParam(), frame, -1).fail, 1);
+
+  for (const int32_t x : {30, 31, 32}) darken_half_pixel(frame, x, 40);  // 12 pixels
+  EXPECT_EQ(check(GetParam(), frame, 12).fail, 0);
+  EXPECT_EQ(check(GetParam(), frame, 11).fail, 1);
+
+  Image lines = frame;
+  for (const int32_t x : {71, 72}) fill_column(lines, x, 255);  // 320 pixels
+  fill_row(lines, 91, 255);                                     // 160 more
+  const Checked too_many = check(GetParam(), lines, 479);
+  EXPECT_EQ(too_many.fail, 1);
+  EXPECT_EQ(too_many.frame, lines);
+  const Checked repaired = check(GetParam(), lines, 480);
+  EXPECT_EQ(repaired.result, QUO_OK);
+  EXPECT_EQ(repaired.fail, 0);  // though there are 492 defect pixels
+  Image expected = frame;
+  for (int32_t y = 0; y < 160; y++) expected.at(71, y) = expected.at(72, y) = frame.at(70, y);
+  for (int32_t x = 0; x < 160; x++) expected.at(x, 91) = expected.at(x, 90);
+  EXPECT_EQ(repaired.frame, expected);
+
+  // Bad pixels alone fail a frame before its lines are looked at.
+  reset_hooks();
+  const Checked pixels_fail = check(GetParam(), lines, 11);
+  EXPECT_EQ(pixels_fail.fail, 1);
+  EXPECT_EQ(pixels_fail.frame, lines);
+  EXPECT_THAT(hooks().sizes, testing::ElementsAre(6400));
+}
+
+TEST_P(DefectCheck, RepairsNothingWhenMemoryFails) {
+  Image frame = sound_frame();
+  fill_row(frame, 91, 255);
+  for (const int32_t allowance : {1000, -1}) {
+    const uint64_t allocations = for_each_failing_allocation([&] { return check(GetParam(), frame, allowance); },
+                                                             [&](uint64_t index, const Checked& checked) {
+                                                               EXPECT_EQ(checked.result, QUO_NO_MEMORY) << index;
+                                                               EXPECT_EQ(checked.fail, allowance < 0) << index;
+                                                               EXPECT_EQ(checked.frame, frame) << index;
+                                                               EXPECT_EQ(hooks().live_blocks + hooks().bad_frees, 0U)
+                                                                   << index;
+                                                             });
+    EXPECT_EQ(allocations, allowance < 0 ? 1U : 5U);
+  }
+}
+
+TEST_P(DefectCheck, TakesAnySize) {
+  reset_hooks();
+  EXPECT_EQ(GetParam()(nullptr, 8, 8, 0, nullptr), QUO_NO_OUTPUT);
+  Random random(41);
+  for (int32_t width = 0; width <= 12; width++) {
+    for (int32_t height = 0; height <= 12; height++) {
+      const Checked checked = check(GetParam(), generate(random, width, height, Fill::kTwoValued), 1000);
+      EXPECT_EQ(checked.result, QUO_OK);
+    }
+  }
+  for (const int32_t size : {-1, INT32_MIN}) {
+    uint8_t fail = 77;
+    EXPECT_EQ(GetParam()(nullptr, size, 8, 0, &fail), QUO_OK);
+    EXPECT_EQ(fail, 0);
+  }
+}
