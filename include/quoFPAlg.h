@@ -427,7 +427,154 @@ QUO_API uint32_t FP_ImageEnhance_Slice(uint8_t *frame, int32_t width, int32_t he
 /** @} */
 
 /* ------------------------------------------------------------------------------------------------------------------ */
-/* Image quality and orientation */
+/** @name Image quality and orientation
+ *
+ *  Two quality scores, both from 0 to 100. The sensor score, FP_ImageQuality(), looks at a few pixels of every block and
+ *  is cheap enough for every captured frame; ImageQuality() works on the dense orientation field of the half-size frame.
+ *  Each merges three component scores (direction, contrast, brightness), weighing a component by the square of what it
+ *  lacks, so that the weakest one decides. A frame without any fault, whose components are all 100, scores 0.
+ *  @{
+ */
+
+/** What is known about one block of a frame. */
+typedef struct quo_block_record {
+  int8_t direction; /**< -1 background, 0 finger without a dominant direction, 1 to 8 its direction; see the function */
+  double mean;      /**< mean gray */
+  double deviation; /**< mean absolute deviation from the mean */
+  double bright;    /**< percentage of pixels brighter than mean + 3.5, truncated; a whole number from 0 to 100 */
+} quo_block_record;
+
+/** Scores a captured frame: ImageQuality_MCU() with a check of the image pointer.
+ *
+ *  @param image      width x height gray image, may be null
+ *  @param width      pixels per row
+ *  @param height     rows
+ *  @param quality    receives the score, 0 to 100; may be null
+ *  @param area       receives the percentage of blocks that are not background; may be null
+ *  @param bright     receives the average bright percentage of those blocks, truncated; may be null
+ *  @param mean_gray  receives the average of their means, truncated; may be null
+ *  @return QUO_OK; QUO_NO_MEMORY or, for a null image, QUO_NO_OUTPUT, both with nothing written
+ */
+QUO_API uint32_t FP_ImageQuality(const uint8_t *image, int32_t width, int32_t height, uint8_t *quality, uint8_t *area,
+                                 uint8_t *bright, uint8_t *mean_gray);
+
+/** The same as FP_ImageQuality(). */
+QUO_API uint32_t FP_ImageQuality_MCU(const uint8_t *image, int32_t width, int32_t height, uint8_t *quality,
+                                     uint8_t *area, uint8_t *bright, uint8_t *mean_gray);
+
+/** Scores a frame from the records of BlockOrientation_MCU(), the array of which is its only memory.
+ *
+ *  Direction: the share of finger blocks with a dominant direction. Contrast: up to 60 for deviations that are alike and
+ *  up to 40 for their average, full at 30. Brightness: up to 60 for means that are alike and up to 40 for an average
+ *  close to 128.
+ *
+ *  @param image      width x height gray image
+ *  @param width      pixels per row
+ *  @param height     rows
+ *  @param quality    receives the score, 0 to 100; may be null
+ *  @param area       receives the percentage of blocks that are not background; may be null
+ *  @param bright     receives the average bright percentage of those blocks, truncated; may be null
+ *  @param mean_gray  receives the average of their means, truncated; may be null. Without a finger block the other
+ *                    three are 0 and this one is not written.
+ *  @return QUO_OK, or QUO_NO_MEMORY with nothing written
+ */
+QUO_API uint32_t ImageQuality_MCU(const uint8_t *image, int32_t width, int32_t height, uint8_t *quality, uint8_t *area,
+                                  uint8_t *bright, uint8_t *mean_gray);
+
+/** Cuts a frame into square blocks and measures each from a sparse sample.
+ *
+ *  The side of a block is 16 pixels when the shorter side of the frame has 192 or more, 10 from 160 on, else 8; the
+ *  columns and rows that remain at the right and at the bottom belong to no block. Mean, deviation and bright percentage
+ *  come from 16 samples a block (25 in blocks of 10), without those of value 255. A block that is bright and flat (mean
+ *  180 or more, deviation below 10), or that has no sample below 255, is background.
+ *
+ *  The direction code 1 + d names the line d * 22.5 degrees from horizontal, roughly, counted counter-clockwise, along
+ *  which the gray varies least around the block centre: 1 horizontal, 3 rising to the right, 5 vertical, 7 falling. It
+ *  is 0 when the deviation is 6 or less, when no line stands out, or when the frame is smaller than the test's 13 x 13
+ *  pixels.
+ *
+ *  @param image   width x height gray image
+ *  @param width   pixels per row
+ *  @param height  rows
+ *  @param blocks  receives the records, row by row, for the caller to release with tev_quo_free(); of a frame smaller
+ *                 than a block an array of no records
+ *  @param count   receives the number of records
+ *  @return QUO_OK; QUO_NO_MEMORY, or 2 when blocks or count is null, both with nothing written
+ */
+QUO_API uint32_t BlockOrientation_MCU(const uint8_t *image, int32_t width, int32_t height, quo_block_record **blocks,
+                                      int32_t *count);
+
+/** Summarises the orientation field of the half-size frame block by block.
+ *
+ *  The field is that of Orientation(), except that a pixel whose window holds too little horizontal gradient has no
+ *  orientation: it is background when its gray is above 179, flat otherwise. Horizontal ridges count as flat, since only
+ *  the horizontal derivative is summed.
+ *
+ *  A block takes its direction from a histogram of its pixels that are not background, in nine bins: flat, then the
+ *  eight of DDIndex8(). The direction code is the number of the fullest bin when it holds more than 80 % of them, else
+ *  0: 1 horizontal, 3 falling to the right, 5 vertical, 7 rising. Flat blocks have 0 too. A block with less than 80 % of
+ *  such pixels is background, with a mean of 255. Mean, deviation and bright percentage are over the block's half-size
+ *  pixels, in a block with background pixels over those below 255; all three are 0 when there are none.
+ *
+ *  @param image   width x height gray image; of odd sizes, the half that ZoomImg() makes is used
+ *  @param width   pixels per row
+ *  @param height  rows
+ *  @param blocks  nbx x nby records, written row by row; all background when nbx is above width / 2 or nby above
+ *                 height / 2
+ *  @param nbx     blocks per row; 0 or less writes no records
+ *  @param nby     block rows; 0 or less writes no records
+ *  @param radius  the window is 2 * radius + 1 half-size pixels wide and high; negative counts as 0
+ *  @param area    receives the percentage of half-size pixels that are not background, 0 for an empty frame; may be null
+ *  @return QUO_OK, or QUO_NO_MEMORY with nothing written
+ */
+QUO_API uint32_t BlockOrientation(const uint8_t *image, int32_t width, int32_t height, quo_block_record *blocks,
+                                  int32_t nbx, int32_t nby, int32_t radius, uint8_t *area);
+
+/** Bin of an orientation among eight.
+ *
+ *  @param orientation  degrees
+ *  @return 0 below 11 and above 168, otherwise (orientation - 11) / 23 + 1, from 1 to 7
+ */
+QUO_API uint32_t DDIndex8(int32_t orientation);
+
+/** Scores a frame from its dense orientation field: the records of BlockOrientation() for (width / 8) x (height / 8)
+ *  blocks and a radius of 3.
+ *
+ *  Direction: the share of blocks with a direction code other than 0. Contrast: up to 40 for deviations that are alike
+ *  and up to 60 for their average, full at 30. Brightness: falls with the differences between the means of the blocks.
+ *
+ *  @param image      width x height gray image
+ *  @param width      pixels per row
+ *  @param height     rows
+ *  @param quality    receives the score, 0 to 100; may be null
+ *  @param area       receives the percentage of half-size pixels that are not background; may be null
+ *  @param bright     receives the average bright percentage of the blocks that are not background, truncated; may be
+ *                    null
+ *  @param mean_gray  receives the average of their means, truncated; may be null; not written without such a block
+ *  @return QUO_OK; or QUO_NO_MEMORY, with quality and bright 0 and the others not written
+ */
+QUO_API uint32_t ImageQuality(const uint8_t *image, int32_t width, int32_t height, uint8_t *quality, uint8_t *area,
+                              uint8_t *bright, uint8_t *mean_gray);
+
+/** Ridge orientation of every pixel, in whole degrees.
+ *
+ *  Sobel gradients of the smoothed half-size frame, doubled in angle, averaged over a square window and halved again;
+ *  the result is enlarged by repeating pixels. The cost does not depend on the radius. Sums are modulo 2^32, exact for
+ *  windows of up to 1,000 pixels and in practice for far larger ones. Each half-size pixel takes one tev_quo_atan2().
+ *  M. Kass and A. Witkin, "Analyzing oriented patterns", CVGIP 37, 1987.
+ *
+ *  @param image   width x height gray image
+ *  @param output  width x height bytes, may be image itself; receives 0 to 179, the angle from the x axis (right)
+ *                 towards the y axis (down), 135 where there is no gradient. Odd sizes repeat the last column and row.
+ *  @param width   pixels per row, at least 2
+ *  @param height  rows, at least 2
+ *  @param radius  the window is 2 * radius + 1 half-size pixels wide and high; negative counts as 0
+ *  @return 1 when done; 0, with nothing written, when output is null, memory could not be allocated, or a size is below
+ *          2
+ */
+QUO_API uint32_t Orientation(const uint8_t *image, uint8_t *output, int32_t width, int32_t height, int32_t radius);
+
+/** @} */
 
 /* ------------------------------------------------------------------------------------------------------------------ */
 /** @name Sensor defect inspection
