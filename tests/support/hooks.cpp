@@ -15,6 +15,7 @@ struct State {
   std::set<void*> live;
   uint64_t failing_index = UINT64_MAX;
   bool fail_later = false;
+  double (*arctangent)(double y, double x) = nullptr;
   uint8_t fresh_byte = 0xA5;
 };
 
@@ -49,6 +50,8 @@ void fail_no_allocation() {
 
 void set_fresh_byte(uint8_t value) { state().fresh_byte = value; }
 
+void set_arctangent(double (*arctangent)(double y, double x)) { state().arctangent = arctangent; }
+
 }  // namespace quo_test
 
 using quo_test::state;
@@ -75,8 +78,9 @@ void tev_quo_free(void* block) {
 }
 
 double tev_quo_atan2(double y, double x) {
-  state().record.arctangents++;
-  return std::atan2(y, x);
+  auto& s = state();
+  s.record.arctangents++;
+  return s.arctangent != nullptr ? s.arctangent(y, x) : std::atan2(y, x);
 }
 
 void tev_quo_log(const char* tag, uint32_t length) {

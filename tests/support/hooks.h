@@ -31,6 +31,9 @@ void fail_no_allocation();
 /** Fresh blocks are filled with this byte, so that a read of memory that nobody wrote changes the result. */
 void set_fresh_byte(uint8_t value);
 
+/** Lets the arctangent hook answer with this function instead of the platform's, until the next reset. */
+void set_arctangent(double (*arctangent)(double y, double x));
+
 /** Runs `call` with its first, second, third ... allocation failing, once alone and once with all later ones, until it
  *  needs no more; `check` is told after each run. Blocks must be balanced by then. Returns the number of allocations.
  */

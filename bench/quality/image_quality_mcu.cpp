@@ -1,0 +1,12 @@
+#include "support/sizes.h"
+
+static void bench_FP_ImageQuality(benchmark::State& state) {
+  const auto frame = quo_bench::frame(state);
+  uint8_t quality, area, bright, mean_gray;
+  for (auto _ : state) {
+    FP_ImageQuality(frame.data(), frame.width, frame.height, &quality, &area, &bright, &mean_gray);
+    benchmark::DoNotOptimize(quality);
+  }
+  quo_bench::count_pixels(state);
+}
+BENCHMARK(bench_FP_ImageQuality)->Apply(quo_bench::frame_sizes);

@@ -1,0 +1,114 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "reference/quality.h"
+#include "support/guarded.h"
+#include "support/hooks.h"
+
+using namespace quo_test;
+
+namespace {
+
+constexpr quo_block_record kBackground = {-1, 255, 0, 0};
+
+naive::DenseBlocks measured(const Image& image, int32_t nbx, int32_t nby, int32_t radius, Guard guard = Guard::kAfter) {
+  Guarded pixels(image.pixels, guard);
+  pixels.make_read_only();
+  const size_t count = nbx > 0 && nby > 0 ? static_cast<size_t>(nbx) * static_cast<size_t>(nby) : 0;
+  Guarded records(count * sizeof(quo_block_record), guard, 0xEE);
+  auto* const blocks = records.as<quo_block_record>();
+  uint8_t area = 238;
+  EXPECT_EQ(BlockOrientation(pixels.data(), image.width, image.height, blocks, nbx, nby, radius, &area), QUO_OK);
+  return {naive::Records(blocks, blocks + count), area};
+}
+
+void expect_definition(const Image& image, int32_t nbx, int32_t nby, int32_t radius, Guard guard = Guard::kAfter) {
+  reset_hooks();
+  const naive::DenseBlocks actual = measured(image, nbx, nby, radius, guard),
+                           expected = naive::dense_blocks(image, nbx, nby, std::max(0, radius));
+  SCOPED_TRACE(testing::Message() << image.width << "x" << image.height << ", " << nbx << "x" << nby
+                                  << " blocks, radius " << radius);
+  ASSERT_EQ(actual.blocks, expected.blocks);
+  ASSERT_EQ(actual.area, expected.area);
+  EXPECT_EQ(hooks().arctangents, naive::half_of(image).pixels.size());
+}
+
+}  // namespace
+
+TEST(BlockOrientation, EqualsItsDefinitionForSmallAndSensorSizes) {
+  Random random(35);
+  for (int round = 0; round < 1500; round++) {
+    const int32_t width = random.between(2, 40), height = random.between(2, 40);
+    const Image image = generate(random, width, height, kAllFills[round % 6]);
+    const int32_t nbx = random.between(1, width / 2), nby = random.between(1, height / 2);
+    expect_definition(image, nbx, nby, random.between(0, 9), round & 1 ? Guard::kBefore : Guard::kAfter);
+  }
+  expect_definition(generate(random, 160, 160, Fill::kRidges), 20, 20, 3);
+  expect_definition(generate(random, 131, 77, Fill::kRidges), 3, 5, 6);
+  expect_definition(generate(random, 2070, 12, Fill::kRidges), 9, 2, 1);  // rows longer than the row buffers
+}
+
+// Grays around 179 without gradients: blocks with every number of background pixels.
+TEST(BlockOrientation, EqualsItsDefinitionAroundTheShareOfFingerPixels) {
+  Random random(36);
+  for (int round = 0; round < 400; round++) {
+    const uint32_t bright = static_cast<uint32_t>(random.between(75, 100));
+    const Image image(40, 40, [&](int32_t x, int32_t y) {
+      return x % 10 < 2 && y % 10 < 4 ? 179 : random.chance(bright) ? 179 : 181;
+    });
+    const int32_t columns[] = {1, 2, 4, 5, 10, 20};
+    expect_definition(image, columns[random.next() % 6], columns[random.next() % 6], 0);
+  }
+}
+
+// Energy on both sides of the threshold, for radii up to where it no longer fits in 32 bits, and sums that wrap.
+TEST(BlockOrientation, EqualsItsDefinitionForFaintGradientsAndWrappingSums) {
+  for (int32_t step = 0; step < 24; step++) {
+    const Image ramp(40, 24, [&](int32_t x, int32_t) { return 60 + x * step / 4; });
+    for (const int32_t radius : {0, 1, 3, 40}) expect_definition(ramp, 5, 3, radius);
+  }
+  const Image steep(200, 160, [](int32_t x, int32_t y) { return (x + (y > 90 ? y : 0)) / 4 % 2 * 255; });
+  expect_definition(steep, 8, 8, 40);
+  expect_definition(steep, 8, 8, 10361);  // 20 * 20723^2 is beyond 32 bits
+}
+
+TEST(BlockOrientation, TakesAnyRadiusAndBlockCount) {
+  reset_hooks();
+  const Image image(24, 16, [](int32_t x, int32_t) { return x / 4 % 2 == 0 ? 60 : 120; });
+  EXPECT_EQ(measured(image, 3, 2, INT32_MIN).blocks, measured(image, 3, 2, 0).blocks);
+  for (const int32_t radius : {1 << 20, INT32_MAX}) {  // no window has so much energy
+    EXPECT_THAT(measured(image, 3, 2, radius).blocks, testing::Each(testing::Field(&quo_block_record::direction, 0)));
+  }
+  EXPECT_THAT(measured(image, 13, 2, 3).blocks, testing::AllOf(testing::SizeIs(26), testing::Each(kBackground)));
+  EXPECT_THAT(measured(image, 3, 9, 3).blocks, testing::AllOf(testing::SizeIs(27), testing::Each(kBackground)));
+  for (const int32_t none : {0, -1, INT32_MIN}) {
+    EXPECT_EQ(measured(image, none, 2, 3).area, 100);
+    EXPECT_EQ(measured(image, 3, none, 3).area, 100);
+  }
+  for (const Image& empty : {Image(0, 16), Image(16, 1), Image(1, 1)}) {
+    const naive::DenseBlocks none = measured(empty, 1, 1, 3);
+    EXPECT_THAT(none.blocks, testing::ElementsAre(kBackground));
+    EXPECT_EQ(none.area, 0);
+  }
+}
+
+TEST(BlockOrientation, FailsWithNothingWritten) {
+  const Image image(16, 16, 100);
+  quo_block_record block = kBackground;
+  uint8_t area = 42;
+  const auto call = [&] { return BlockOrientation(image.data(), 16, 16, &block, 1, 1, 3, &area); };
+  const uint64_t allocations = for_each_failing_allocation(call, [&](uint64_t, uint32_t result) {
+    EXPECT_EQ(result, QUO_NO_MEMORY);
+    EXPECT_EQ(block, kBackground);
+    EXPECT_EQ(area, 42);
+    EXPECT_EQ(hooks().live_blocks, 0U);
+  });
+  EXPECT_EQ(allocations, 6U);
+  EXPECT_THAT(hooks().sizes, testing::ElementsAre(64, 256, 256, 256, 256, 64));
+  EXPECT_EQ(block.direction, 0);
+  reset_hooks();
+  EXPECT_EQ(BlockOrientation(image.data(), 16, 16, &block, 1, 1, 3, nullptr), QUO_OK);
+  reset_hooks();
+  EXPECT_EQ(BlockOrientation(nullptr, 1 << 16, 1 << 16, &block, 1, 1, 3, &area), QUO_NO_MEMORY);
+  EXPECT_THAT(hooks().sizes, testing::IsEmpty());
+}

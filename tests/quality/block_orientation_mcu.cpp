@@ -1,0 +1,123 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <span>
+
+#include "reference/quality.h"
+#include "support/guarded.h"
+#include "support/hooks.h"
+
+using namespace quo_test;
+
+namespace {
+
+naive::Records measured(const Image& image, Guard guard = Guard::kAfter) {
+  Guarded pixels(image.pixels, guard);
+  pixels.make_read_only();
+  quo_block_record* blocks = nullptr;
+  int32_t count = -1;
+  EXPECT_EQ(BlockOrientation_MCU(pixels.data(), image.width, image.height, &blocks, &count), QUO_OK);
+  naive::Records records(blocks, blocks + count);
+  tev_quo_free(blocks);
+  return records;
+}
+
+}  // namespace
+
+TEST(BlockOrientation_MCU, EqualsItsDefinitionForSmallAndSensorSizes) {
+  reset_hooks();
+  Random random(31);
+  const auto check = [&](int32_t width, int32_t height) {
+    for (const Fill fill : kAllFills) {
+      const Image image = generate(random, width, height, fill);
+      const Guard guard = random.chance(50) ? Guard::kAfter : Guard::kBefore;
+      ASSERT_EQ(measured(image, guard), naive::sparse_blocks(image)) << width << "x" << height;
+    }
+  };
+  for (const int32_t width : {0, 7, 8, 9, 12, 13, 14, 15, 16, 17, 24, 35}) {
+    for (const int32_t height : {0, 7, 8, 12, 13, 15, 16, 17, 24, 35}) check(width, height);
+  }
+  for (const int32_t shorter : {159, 160, 169, 191, 192, 200, 207}) {
+    check(shorter, shorter + 20);
+    check(shorter + 1, shorter);
+  }
+  EXPECT_EQ(hooks().live_blocks, 0U);
+}
+
+// Few, evenly spaced levels put sums, ratios, means and deviations onto the thresholds themselves.
+TEST(BlockOrientation_MCU, EqualsItsDefinitionOnItsThresholds) {
+  Random random(32);
+  std::array<int, 9> codes = {};
+  for (int round = 0; round < 20000; round++) {
+    const int32_t base = random.between(0, 2) * 87, step = random.between(0, 3) * random.between(1, 7),
+                  levels = random.between(1, 4);
+    const int32_t dx = random.between(-1, 2), dy = random.between(-1, 2), noise = random.between(0, 60);
+    const Image image(13, 13, [&](int32_t x, int32_t y) {
+      const int32_t level = random.chance(static_cast<uint32_t>(noise)) ? random.between(0, levels)
+                                                                        : (dx * x + dy * y + 26) / 2 % (levels + 1);
+      return std::min(255, base + step * level);
+    });
+    const naive::Records expected = naive::sparse_blocks(image);
+    codes[static_cast<size_t>(expected[0].direction + (expected[0].direction < 0 ? 1 : 0))]++;
+    ASSERT_EQ(measured(image), expected) << "round " << round;
+  }
+  EXPECT_THAT(codes, testing::Each(testing::Gt(20)));
+}
+
+TEST(BlockOrientation_MCU, GivesTheKnownRecordsOfUniformAndStripedFrames) {
+  const struct {
+    const char* name;
+    Image image;
+    quo_block_record block;
+  } cases[] = {
+      {"white", Image(96, 96, 255), {-1, 255, 0, 0}},
+      {"bright", Image(96, 96, 200), {-1, 200, 0, 0}},
+      {"gray", Image(96, 96, 100), {0, 100, 0, 0}},
+      {"threshold beyond a byte", Image(96, 96, 254), {-1, 254, 0, 0}},
+      {"vertical", stripes(96, 96, [](int32_t x, int32_t) { return x; }), {5, 120, 60, 50}},
+      {"horizontal", stripes(96, 96, [](int32_t, int32_t y) { return y; }), {1, 120, 60, 50}},
+      {"rising", stripes(96, 96, [](int32_t x, int32_t y) { return x + y; }), {3, 120, 60, 50}},
+  };
+  for (const auto& c : cases) {
+    EXPECT_THAT(measured(c.image), testing::AllOf(testing::SizeIs(144), testing::Each(c.block))) << c.name;
+  }
+}
+
+TEST(BlockOrientation_MCU, FailsWithNothingWritten) {
+  const Image image(16, 16, 100);
+  quo_block_record untouched, *blocks = &untouched;
+  int32_t count = 42;
+  reset_hooks();
+  EXPECT_EQ(BlockOrientation_MCU(image.data(), 16, 16, nullptr, &count), 2U);
+  EXPECT_EQ(BlockOrientation_MCU(image.data(), 16, 16, &blocks, nullptr), 2U);
+  // More records than 32 bits can count the bytes of are refused before the hook is asked.
+  EXPECT_EQ(BlockOrientation_MCU(image.data(), INT32_MAX, INT32_MAX, &blocks, &count), QUO_NO_MEMORY);
+  EXPECT_THAT(hooks().sizes, testing::IsEmpty());
+  for (const int32_t size : {16, 3}) {  // with four blocks, and with none
+    const uint64_t allocations =
+        for_each_failing_allocation([&] { return BlockOrientation_MCU(image.data(), size, size, &blocks, &count); },
+                                    [&](uint64_t, uint32_t result) {
+                                      EXPECT_EQ(result, QUO_NO_MEMORY);
+                                      EXPECT_EQ(blocks, &untouched);
+                                      EXPECT_EQ(count, 42);
+                                    });
+    EXPECT_EQ(allocations, 1U);
+    EXPECT_EQ(count, size == 16 ? 4 : 0);
+    tev_quo_free(blocks);
+    blocks = &untouched;
+    count = 42;
+  }
+}
+
+TEST(BlockOrientation_MCU, HasNoBlocksForEmptyFrames) {
+  reset_hooks();
+  for (const int32_t size : {0, -1, -16, INT32_MIN}) {
+    for (const int32_t other : {64, -64}) {
+      quo_block_record* blocks = nullptr;
+      int32_t count = 42;
+      EXPECT_EQ(BlockOrientation_MCU(nullptr, size, other, &blocks, &count), QUO_OK);
+      EXPECT_EQ(count, 0);
+      tev_quo_free(blocks);
+    }
+  }
+}
