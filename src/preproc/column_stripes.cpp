@@ -1,6 +1,6 @@
 #include "preproc/column_stripes.h"
 
-#include <cstddef>
+#include <algorithm>
 
 #include "frame/gray.h"
 
@@ -14,9 +14,10 @@ static_assert(kPartialRows * 255 <= UINT16_MAX);
 void count_row(const uint8_t* __restrict row, uint16_t* __restrict sums, uint8_t* __restrict counts, int32_t columns,
                uint8_t limit) {
   for (int32_t x = 0; x < columns; x++) {
-    const uint8_t counted = row[x] <= limit ? 0xFF : 0;
-    sums[x] = static_cast<uint16_t>(sums[x] + (row[x] & counted));
-    counts[x] = static_cast<uint8_t>(counts[x] - counted);
+    const bool counted = row[x] <= limit;
+    const uint8_t value = counted ? row[x] : 0;
+    sums[x] = static_cast<uint16_t>(sums[x] + value);
+    counts[x] = static_cast<uint8_t>(counts[x] + (counted ? 1 : 0));
   }
 }
 

@@ -3,22 +3,9 @@
 
 #include "frame/gray.h"
 #include "frame/scratch.h"
+#include "preproc/gray_balance.h"
 
 namespace {
-
-constexpr uint8_t kUnchangedFrom = 254;  // saturated pixels stay as they are
-constexpr int32_t kCentre = 128;         // gray level of a pixel that equals its local mean
-
-struct Band {
-  uint8_t* pixels;
-  int32_t width;
-  int32_t rows;
-  int32_t top_context;  // rows that feed the means but are not changed
-  int32_t bottom_context;
-
-  uint8_t* row(int32_t y) const { return pixels + static_cast<ptrdiff_t>(y) * width; }
-  bool changes(int32_t y) const { return y >= top_context && y < rows - bottom_context; }
-};
 
 // A range of rows or columns within `radius` of a centre, clipped to 0 .. size - 1.
 struct Range {
@@ -34,12 +21,12 @@ Range clipped_range(int32_t centre, uint32_t radius, int32_t size) {
 }
 
 uint8_t balanced(uint8_t pixel, uint32_t mean, uint8_t gain) {
-  if (pixel >= kUnchangedFrom) return pixel;
-  return quo::clamp_gray(gain * (pixel - static_cast<int32_t>(mean)) + kCentre);
+  if (pixel >= quo::kBalanceLimit) return pixel;
+  return quo::clamp_gray(gain * (pixel - static_cast<int32_t>(mean)) + quo::kBalanceCentre);
 }
 
 // Any radius: means from the integral image.
-void balance_band(const Band& band, uint32_t radius, uint8_t gain, uint32_t* integral) {
+void balance_band(const quo::Band& band, uint32_t radius, uint8_t gain, uint32_t* integral) {
   GetGrayIntegralImage(band.pixels, integral, band.width, band.rows, band.width);
   const size_t stride = static_cast<size_t>(band.width) + 1;
   for (int32_t y = band.top_context; band.changes(y); y++) {
@@ -68,9 +55,13 @@ uint8_t LocalGrayBalance_Slice(uint8_t* image, int32_t width, int32_t height, ui
   if (!integral.allocate((uint64_t{columns} + 1) * (uint64_t{band_rows} + 1))) return QUO_NO_MEMORY;
   if (columns == 0) return QUO_OK;
   for (uint32_t first = 0; first < rows; first += std::min(band_rows, rows - first)) {
-    const auto band = Band{image + static_cast<ptrdiff_t>(first) * width, width,
-                           static_cast<int32_t>(std::min(band_rows, rows - first)), top_context, bottom_context};
-    balance_band(band, radius, gain, integral.get());
+    const quo::Band band{image + static_cast<ptrdiff_t>(first) * width, width,
+                         static_cast<int32_t>(std::min(band_rows, rows - first)), top_context, bottom_context};
+    if (radius == quo::kBalanceRadius && width >= quo::kBalanceSmallest && band.rows >= quo::kBalanceSmallest) {
+      quo::balance_band_7x7(band, gain, integral.get());
+    } else {
+      balance_band(band, radius, gain, integral.get());
+    }
   }
   return QUO_OK;
 }

@@ -33,15 +33,14 @@ void sector_means(const uint8_t* image, int32_t width, int32_t height, Means* me
 }
 
 // Offset of column j of a sector from the mean of itself and its two neighbours.
-int32_t column_offset(const Means& means, int32_t j) {
-  return means.column[j] - (means.column[j - 1] + means.column[j] + means.column[j + 1]) / 3;
+int16_t column_offset(const Means& means, int32_t j) {
+  return static_cast<int16_t>(means.column[j] - (means.column[j - 1] + means.column[j] + means.column[j + 1]) / 3);
 }
 
-void correct_column(const uint8_t* source, uint8_t* destination, int32_t width, int32_t height, int32_t offset) {
+void correct_column(const uint8_t* source, uint8_t* destination, int32_t width, int32_t height, int16_t offset) {
   if (offset == 0) return;
-  const auto [darken, lift] = quo::split_offset(offset);
   for (int32_t y = 0; y < height; y++) {
-    *destination = *source <= kCountedLimit ? quo::correct_pixel(*source, darken, lift) : *source;
+    *destination = *source <= kCountedLimit ? quo::correct_pixel(*source, offset) : *source;
     source += width;
     destination += width;
   }

@@ -1,0 +1,86 @@
+#include <gtest/gtest.h>
+
+#include "quoFPAlg.h"
+#include "reference/preproc.h"
+#include "support/guarded.h"
+
+using namespace quo_test;
+
+namespace {
+
+// A frame of 200 with these values in its corner patches, in their order: clockwise from the top left.
+Image corners(int top_left, int top_right, int bottom_right, int bottom_left) {
+  return Image(20, 20, [&](int32_t x, int32_t y) {
+    if (y < 10) return x < 10 ? top_left : top_right;
+    return x < 10 ? bottom_left : bottom_right;
+  });
+}
+
+}  // namespace
+
+TEST(FindBgValue, TakesFlatBrightPatchesOnly) {
+  const struct {
+    Image frame;
+    int found;
+    int value;
+  } cases[] = {
+      {corners(200, 200, 200, 200), 1, 186},
+      {corners(150, 150, 150, 30), 1, 139},
+      {corners(150, 150, 150, 150), 0, 7},
+      {corners(160, 160, 160, 60), 0, 7},  // neither above 160 nor more than 100 above the darkest
+      {corners(160, 160, 160, 59), 1, 148},
+      {corners(161, 0, 0, 0), 1, 149},
+      {corners(255, 255, 255, 255), 1, 237},
+      {corners(102, 101, 102, 0), 1, 94},  // (102 + 101 + 102) / 3 * 0.93 = 94.55
+      {corners(0, 0, 0, 0), 0, 7},
+  };
+  for (const auto& [frame, found, value] : cases) {
+    uint8_t bg = 7;
+    EXPECT_EQ(FindBgValue(frame.data(), frame.width, frame.height, &bg), found);
+    EXPECT_EQ(bg, value);
+    EXPECT_EQ(FindBgValue(frame.data(), frame.width, frame.height, nullptr), found);
+  }
+}
+
+// Patches whose mean and variance lie around the limits, in frames of every small size: patches overlap below 20.
+TEST(FindBgValue, EqualsTheLiteralFormAroundEveryLimit) {
+  Random random(21);
+  int found = 0;
+  for (int round = 0; round < 20000; round++) {
+    const int32_t width = random.between(10, 26), height = random.between(10, 26);
+    const int spread = random.between(0, 20), dark = random.between(0, 70);
+    const int levels[] = {random.between(158, 163), dark, dark + 100 + random.between(-2, 3), random.between(100, 240)};
+    const Image frame(width, height, [&](int32_t x, int32_t y) {
+      const int level = levels[(x < width / 2 ? 0 : 1) + (y < height / 2 ? 0 : 2)];
+      return std::clamp(level + random.between(-spread, spread), 0, 255);
+    });
+    Guarded pixels(frame.pixels, round % 2 == 0 ? Guard::kAfter : Guard::kBefore);
+    const auto expected = quo_reference::background_value(frame);
+    uint8_t bg = 1;
+    ASSERT_EQ(FindBgValue(pixels.data(), width, height, &bg), expected.has_value() ? 1 : 0) << "round " << round;
+    ASSERT_EQ(bg, expected.value_or(1)) << "round " << round;
+    found += expected.has_value() ? 1 : 0;
+  }
+  EXPECT_GT(found, 3000);
+  EXPECT_LT(found, 17000);
+}
+
+TEST(FindBgValue, ReadsNothingOfFramesBelowTenPixels) {
+  uint8_t bg = 7;
+  for (const int32_t size : {9, 1, 0, -1, INT32_MIN}) {
+    EXPECT_EQ(FindBgValue(nullptr, size, 100, &bg), 0);
+    EXPECT_EQ(FindBgValue(nullptr, 100, size, &bg), 0);
+  }
+  EXPECT_EQ(bg, 7);
+}
+
+TEST(FP_GetImageBgValue, ReportsWhiteWhenNoBackgroundIsFound) {
+  uint8_t bg = 7;
+  EXPECT_EQ(FP_GetImageBgValue(nullptr, 20, 20, &bg), QUO_NO_OUTPUT);
+  EXPECT_EQ(FP_GetImageBgValue(corners(1, 1, 1, 1).data(), 20, 20, nullptr), QUO_NO_OUTPUT);
+  EXPECT_EQ(bg, 7);
+  EXPECT_EQ(FP_GetImageBgValue(corners(150, 150, 150, 150).data(), 20, 20, &bg), QUO_OK);
+  EXPECT_EQ(bg, 255);
+  EXPECT_EQ(FP_GetImageBgValue(corners(200, 200, 200, 200).data(), 20, 20, &bg), QUO_OK);
+  EXPECT_EQ(bg, 186);
+}

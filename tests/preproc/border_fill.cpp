@@ -1,0 +1,38 @@
+#include <gtest/gtest.h>
+
+#include "quoFPAlg.h"
+#include "support/frames.h"
+#include "support/guarded.h"
+
+using namespace quo_test;
+
+TEST(FillBorders, CopiesInnerNeighboursRowsFirst) {
+  Image image(4, 4, [](int32_t x, int32_t y) { return 10 * y + x; });
+  FillBorders(image.data(), 4, 4, QUO_BORDER_TOP | QUO_BORDER_BOTTOM | QUO_BORDER_LEFT | QUO_BORDER_RIGHT);
+  EXPECT_EQ(image, Image(4, 4, {11, 11, 12, 12, 11, 11, 12, 12, 21, 21, 22, 22, 21, 21, 22, 22}));
+}
+
+// Every flag byte on every small size and on rows longer than a vector; lines without an inner neighbour stay.
+TEST(FillBorders, ReplacesTheSelectedLinesOnly) {
+  Random random(23);
+  for (const int32_t width : {0, 1, 2, 3, 17, 200}) {
+    for (int32_t height = 0; height <= 4; height++) {
+      for (int flags = 0; flags < 256; flags++) {
+        Image expected = generate(random, width, height, Fill::kNoise);
+        Guarded image(expected.pixels, flags % 2 == 0 ? Guard::kAfter : Guard::kBefore);
+        for (int32_t x = 0; x < width && height >= 2; x++) {
+          if (flags & 1) expected.at(x, 0) = expected.at(x, 1);
+          if (flags & 2) expected.at(x, height - 1) = expected.at(x, height - 2);
+        }
+        for (int32_t y = 0; y < height && width >= 2; y++) {
+          if (flags & 4) expected.at(0, y) = expected.at(1, y);
+          if (flags & 8) expected.at(width - 1, y) = expected.at(width - 2, y);
+        }
+        FillBorders(image.data(), width, height, static_cast<uint8_t>(flags));
+        ASSERT_TRUE(image.equals(expected.pixels)) << width << "x" << height << " flags " << flags;
+      }
+    }
+  }
+  FillBorders(nullptr, -4, 4, 15);
+  FillBorders(nullptr, 4, INT32_MIN, 15);
+}
