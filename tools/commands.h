@@ -5,6 +5,24 @@
 
 namespace quofp {
 
+// Frames
+void add_info(Commands& commands);
+void add_sheet(Commands& commands);
 void add_synth(Commands& commands);
+
+// Capture preprocessing
+void add_preprocess(Commands& commands);
+
+// Image quality and orientation
+
+// Sensor defect inspection
+
+// Sp templates
+
+// Signal analysis
+
+// Sensor calibration
+
+// Image operator toolbox
 
 }  // namespace quofp

@@ -53,19 +53,23 @@ void report(const std::exception& failure);
 /** Tells on standard error something that the user should know and that stops nothing. */
 void note(const std::string& file, const std::string& text);
 
-/** Calls `work` for each item. A failure is reported and the other items still get their turn. `work` returns an Exit.
+/** Calls `work`, which returns an Exit. A failure is reported and becomes its exit code. */
+template <typename Work>
+Exit attempt(Work work) {
+  try {
+    return work();
+  } catch (const Failure& failure) {
+    report(failure);
+    return failure.exit();
+  }
+}
+
+/** Calls `work` for each item. A failure is reported and the other items still get their turn.
  *  @return the worst exit code that occurred */
 template <typename Items, typename Work>
 Exit for_each_item(const Items& items, Work work) {
   Exit exit = Exit::kDone;
-  for (const auto& item : items) {
-    try {
-      exit = worse(exit, work(item));
-    } catch (const Failure& failure) {
-      report(failure);
-      exit = worse(exit, failure.exit());
-    }
-  }
+  for (const auto& item : items) exit = worse(exit, attempt([&] { return work(item); }));
   return exit;
 }
 

@@ -1,5 +1,8 @@
 #include "inputs.h"
 
+#include <filesystem>
+#include <set>
+
 namespace quofp {
 
 CLI::Option* add_size_option(CLI::App& command, const std::string& name, std::optional<Size>& size,
@@ -35,6 +38,31 @@ void add_input(CLI::App& command, Inputs& inputs) {
       ->expected(1)
       ->type_name("FILE");
   add_reading_options(command, inputs);
+}
+
+void add_output(CLI::App& command, Output& output, const std::string& description) {
+  command.add_option("-o,--output", output.path, description)->required()->type_name("PATH");
+}
+
+Outputs::Outputs(const Inputs& inputs, const Output& output) {
+  const std::filesystem::path folder = output.path;
+  if (inputs.files.size() == 1 && folder.has_filename() && !std::filesystem::is_directory(folder)) {
+    paths_[inputs.files[0]] = output.path;
+    return;
+  }
+  std::set<std::filesystem::path> taken;
+  for (const std::string& file : inputs.files) {
+    const std::filesystem::path path = folder / std::filesystem::path(file).filename().replace_extension(".png");
+    if (!taken.insert(path).second) throw usage_failure("two inputs would be written to " + path.string());
+    paths_[file] = path.string();
+  }
+  make_folder(output.path);
+}
+
+void make_folder(const std::string& path) {
+  std::error_code error;
+  std::filesystem::create_directories(path, error);
+  if (error) throw file_failure(path, "cannot be made a folder: " + error.message());
 }
 
 }  // namespace quofp

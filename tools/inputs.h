@@ -2,6 +2,7 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -29,6 +30,30 @@ void add_input(CLI::App& command, Inputs& inputs);
 
 /** Declares the options for reading frames alone, for commands whose arguments are something else. */
 void add_reading_options(CLI::App& command, Inputs& inputs);
+
+/** Where frames go: a file for one input, a folder for several. */
+struct Output {
+  std::string path;
+};
+
+/** Declares -o. */
+void add_output(CLI::App& command, Output& output, const std::string& description);
+
+/** The output of each input. With several inputs, or when the path ends in a slash or is a folder, outputs lie in that
+ *  folder, named as the inputs with the ending .png. */
+class Outputs {
+ public:
+  /** @throws Failure when two inputs would share an output, or when the folder cannot be made */
+  Outputs(const Inputs& inputs, const Output& output);
+
+  const std::string& path_for(const std::string& file) const { return paths_.at(file); }
+
+ private:
+  std::map<std::string, std::string> paths_;
+};
+
+/** Makes a folder and those above it unless they exist. @throws Failure */
+void make_folder(const std::string& path);
 
 /** Declares `name` as a WxH option. */
 CLI::Option* add_size_option(CLI::App& command, const std::string& name, std::optional<Size>& size,

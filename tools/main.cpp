@@ -13,9 +13,10 @@ using namespace quofp;
 // In the order of the help. One group a subsystem, kept apart by blank lines.
 constexpr void (*kCommands[])(Commands&) = {
     // Frames
-    add_synth,
+    add_synth, add_info, add_sheet,
 
     // Capture preprocessing
+    add_preprocess,
 
     // Image quality and orientation
 

@@ -72,6 +72,7 @@ std::string Table::text(const Cell& cell, size_t column) const {
 
 // Text is aligned to the left, numbers to the right, under a heading aligned like them.
 void Table::print_aligned(std::ostream& out) const {
+  if (rows_.empty()) return;
   std::vector<size_t> widths;
   for (const Column& column : columns_) widths.push_back(column.name.size());
   std::vector<bool> left(columns_.size(), false);

@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 #include <cstdint>
 #include <iosfwd>
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -24,6 +25,12 @@ struct Column {
 
 /** A value; std::monostate where there is none: "-" in a table, empty in CSV, null in JSON. */
 using Cell = std::variant<std::monostate, std::string, int64_t, double, bool>;
+
+/** The cell of a value that may be missing. */
+template <typename T>
+Cell optional_cell(const std::optional<T>& value) {
+  return value ? Cell(*value) : Cell();
+}
 
 class Table {
  public:

@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <numeric>
+#include <fstream>
+#include <regex>
+#include <set>
 
 #include "tools/tool.h"
 
@@ -118,4 +120,28 @@ TEST_F(Synth, WritesALotAndOtherFormats) {
   EXPECT_EQ(read("one.raw"), raw);
   EXPECT_EQ(read("one.pgm"), "P5\n48 40\n255\n" + raw);
   EXPECT_EQ(quofp("synth -o one.pgm --count 2").exit, 3);  // a file is no folder
+}
+
+// The commands in their description make the committed samples, pixel by pixel.
+TEST_F(Synth, ReproducesTheCommittedSamples) {
+  std::ifstream description(std::filesystem::path(QUO_SAMPLES) / "README.md");
+  const std::regex command("quofp (synth -o samples/(.*png).*)");
+  std::set<std::string> made;
+  std::filesystem::create_directory(path("samples"));
+  for (std::string line; std::getline(description, line);) {
+    std::smatch match;
+    if (!std::regex_match(line, match, command)) continue;
+    quofp_done(match[1]);
+    const std::string name = match[2];
+    std::filesystem::copy_file(std::filesystem::path(QUO_SAMPLES) / name, path("committed.png"),
+                               std::filesystem::copy_options::overwrite_existing);
+    EXPECT_EQ(read_png("samples/" + name), read_png("committed.png")) << name;
+    made.insert(name);
+  }
+  for (const auto& entry : std::filesystem::directory_iterator(QUO_SAMPLES)) {
+    const std::filesystem::path file = entry.path().filename();
+    if (file.extension() != ".png") continue;
+    EXPECT_EQ(made.count(file.string()), 1U) << file << " is not described";
+  }
+  EXPECT_GE(made.size(), 6U);
 }

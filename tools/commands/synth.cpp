@@ -95,9 +95,7 @@ Exit run(const Options& options) {
     write_one(options, options.finger.seed, options.output);
     return Exit::kDone;
   }
-  std::error_code error;
-  std::filesystem::create_directories(options.output, error);
-  if (error) throw file_failure(options.output, "cannot be made a folder: " + error.message());
+  make_folder(options.output);
   for (int32_t i = 0; i < options.count; i++) {
     const uint64_t seed = options.finger.seed + static_cast<uint64_t>(i);
     write_one(options, seed,

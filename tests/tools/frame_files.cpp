@@ -1,0 +1,174 @@
+// Reading frames: every accepted kind of file gives the right pixels, every damaged one a message with its name.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <png.h>
+
+#include <algorithm>
+
+#include "tools/tool.h"
+
+using namespace quo_test;
+using testing::HasSubstr;
+
+namespace {
+
+size_t lines_in(const std::string& text) { return static_cast<size_t>(std::count(text.begin(), text.end(), '\n')); }
+
+struct PngKind {
+  int depth;
+  int colour;
+  int interlace = PNG_INTERLACE_NONE;
+};
+
+// Writes rows of packed samples as they are.
+void write_png(const std::filesystem::path& path, uint32_t width, uint32_t height, PngKind kind,
+               std::vector<uint8_t> samples) {
+  png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
+  png_infop info = png_create_info_struct(png);
+  FILE* const file = fopen(path.c_str(), "wb");
+  png_init_io(png, file);
+  png_set_IHDR(png, info, width, height, kind.depth, kind.colour, kind.interlace, PNG_COMPRESSION_TYPE_DEFAULT,
+               PNG_FILTER_TYPE_DEFAULT);
+  const png_color palette[2] = {{10, 10, 10}, {0, 0, 255}};
+  if (kind.colour == PNG_COLOR_TYPE_PALETTE) png_set_PLTE(png, info, palette, 2);
+  png_set_gAMA(png, info, 1.0);  // pixels are sensor readings: a gamma value changes nothing
+  std::vector<png_bytep> rows;
+  for (uint32_t y = 0; y < height; y++) rows.push_back(samples.data() + y * (samples.size() / height));
+  png_set_rows(png, info, rows.data());
+  png_write_png(png, info, PNG_TRANSFORM_IDENTITY, nullptr);
+  png_destroy_write_struct(&png, &info);
+  fclose(file);
+}
+
+}  // namespace
+
+class FrameFiles : public Tool {
+ protected:
+  // The pixels as the tool has read them. Stripe removal copies frames of up to nine columns.
+  Image through_tool(const std::string& file, const std::string& options = "", const std::string& expected_note = "") {
+    const Outcome run = quofp("preprocess " + file + " -o out.png --stage stripes " + options);
+    EXPECT_EQ(run.exit, 0) << run.err;
+    EXPECT_EQ(run.err, expected_note.empty() ? "" : "quofp: note: " + file + ": " + expected_note + "\n");
+    return read_png("out.png");
+  }
+
+  // Every file given is refused with code 3 and one line that begins with its name.
+  void expect_refused(const std::vector<std::string>& files, const std::string& options = "") {
+    std::string arguments;
+    for (const std::string& file : files) arguments += " " + file;
+    const Outcome run = quofp("info --format csv" + arguments + " " + options);
+    EXPECT_EQ(run.exit, 3);
+    EXPECT_EQ(lines_in(run.out), 1U) << run.out;
+    EXPECT_EQ(lines_in(run.err), files.size()) << run.err;
+    for (const std::string& file : files) EXPECT_THAT(run.err, HasSubstr("quofp: " + file + ": ")) << file;
+  }
+};
+
+TEST_F(FrameFiles, ReadsGraymapsOfEveryKind) {
+  const Image image(3, 2, {0, 17, 255, 34, 51, 68});
+  write_pgm("a.pgm", image);
+  EXPECT_EQ(through_tool("a.pgm"), image);
+  write("b.pgm", "P2 # comment\n3 # width\n#\n2\n255\n0 17 255\n34\t51 68");
+  EXPECT_EQ(through_tool("b.pgm"), image);
+  write("c.pgm", "P2 3 2 15 0 1 15 2 3 4 ");
+  EXPECT_EQ(through_tool("c.pgm", "", "values 0 to 15 scaled to 0 to 255"), image);
+  const std::string pixels("\0\0\x11\x11\xFF\xFF\x22\x22\x33\x33\x44\x44", 12);
+  write("d.pgm", "P5\n3 2\n65535\n" + pixels);
+  EXPECT_EQ(through_tool("d.pgm", "", "values 0 to 65535 scaled to 0 to 255"), image);
+  write("e.pgm", "P5 2 1 255 #9");  // one white space ends the header: these are pixels
+  EXPECT_EQ(through_tool("e.pgm"), Image(2, 1, {'#', '9'}));
+}
+
+TEST_F(FrameFiles, ReadsPicturesOfEveryKind) {
+  write_png(path("gray8.png"), 3, 2, {8, PNG_COLOR_TYPE_GRAY}, {0, 17, 255, 34, 51, 68});
+  EXPECT_EQ(through_tool("gray8.png"), Image(3, 2, {0, 17, 255, 34, 51, 68}));
+  write_png(path("adam7.png"), 3, 2, {8, PNG_COLOR_TYPE_GRAY, PNG_INTERLACE_ADAM7}, {0, 17, 255, 34, 51, 68});
+  EXPECT_EQ(through_tool("adam7.png"), Image(3, 2, {0, 17, 255, 34, 51, 68}));
+  const std::string converted = ", converted to 8-bit gray";
+  write_png(path("gray1.png"), 3, 1, {1, PNG_COLOR_TYPE_GRAY}, {0xA0});
+  EXPECT_EQ(through_tool("gray1.png", "", "1-bit gray" + converted), Image(3, 1, {255, 0, 255}));
+  write_png(path("gray16.png"), 2, 1, {16, PNG_COLOR_TYPE_GRAY}, {0x80, 0x80, 0x01, 0x7F});
+  EXPECT_EQ(through_tool("gray16.png", "", "16-bit gray" + converted), Image(2, 1, {0x80, 1}));
+  write_png(path("alpha.png"), 2, 1, {8, PNG_COLOR_TYPE_GRAY_ALPHA}, {9, 0, 200, 255});
+  EXPECT_EQ(through_tool("alpha.png", "", "8-bit gray with alpha" + converted), Image(2, 1, {9, 200}));
+  write_png(path("rgb.png"), 3, 1, {8, PNG_COLOR_TYPE_RGB}, {7, 7, 7, 255, 0, 0, 255, 255, 255});
+  EXPECT_EQ(through_tool("rgb.png", "", "8-bit colour" + converted), Image(3, 1, {7, 54, 255}));
+  write_png(path("rgba.png"), 1, 1, {16, PNG_COLOR_TYPE_RGBA}, {99, 99, 99, 99, 99, 99, 0, 0});
+  EXPECT_EQ(through_tool("rgba.png", "", "16-bit colour" + converted), Image(1, 1, {99}));
+  write_png(path("palette.png"), 8, 1, {1, PNG_COLOR_TYPE_PALETTE}, {0x40});
+  EXPECT_EQ(through_tool("palette.png", "", "1-bit palette colour" + converted),
+            Image(8, 1, {10, 19, 10, 10, 10, 10, 10, 10}));
+}
+
+TEST_F(FrameFiles, ReadsRawBytesOfTheSizeGiven) {
+  write("a.raw", "123456");
+  EXPECT_EQ(through_tool("a.raw", "--size 3x2"), Image(3, 2, {'1', '2', '3', '4', '5', '6'}));
+  write("like-a-graymap.raw", "P5 1 1 255 x");
+  EXPECT_EQ(through_tool("like-a-graymap.raw", "--size 4x3").at(3, 2), 'x');
+  EXPECT_EQ(through_tool("like-a-graymap.raw").width, 1);
+  write_png(path("a.png"), 2, 1, {8, PNG_COLOR_TYPE_GRAY}, {1, 2});
+  EXPECT_EQ(through_tool("a.png", "--size 3x2"), Image(2, 1, {1, 2}));
+  EXPECT_THAT(quofp("info a.raw").err, HasSubstr("a.raw: neither PNG nor PGM; --size WxH"));
+  EXPECT_THAT(quofp("info a.raw --size 3x3").err, HasSubstr("a.raw: 6 bytes, but a raw frame of 3x3 has 9"));
+}
+
+TEST_F(FrameFiles, RefusesGraymapsThatDoNotHoldWhatTheySay) {
+  const char* const contents[] = {"",
+                                  "P5",
+                                  "P5 3",
+                                  "P5 3 2 255",
+                                  "P5 3 2 255\n12345",
+                                  "P5 3 2 255\n1234567",
+                                  "P5 -3 2 255\n123456",
+                                  "P5 0 2 255\n",
+                                  "P5 3 2 0\n123456",
+                                  "P5 3 2 65536\n123456123456",
+                                  "P5 3 2 256\n123456",
+                                  "P5 2 1 50\n1z",
+                                  "P5 20000 1 255\n1",
+                                  "P5 16384 16384 255\n1",
+                                  "P5 99999999999999999999 2 255\n1",
+                                  "P2 3 2 255 1 2 3 4 5",
+                                  "P2 3 2 255 1 2 3 4 5 6 7",
+                                  "P2 3 2 255 1 2 3 4 5 256",
+                                  "P2 3 2 255 1 2 3 x 5 6",
+                                  "P2 9999 6000 255 1",
+                                  "P6 1 1 255 123",
+                                  "GIF89a"};
+  std::vector<std::string> files;
+  for (const char* const content : contents) {
+    files.push_back("bad" + std::to_string(files.size()) + ".pgm");
+    write(files.back(), content);
+  }
+  expect_refused(files);
+  expect_refused({"missing.pgm", "."});
+}
+
+TEST_F(FrameFiles, RefusesPicturesCutShortOrDamaged) {
+  quofp_done("synth -o good.png --size 24x20");
+  const std::string good = read("good.png");
+  std::vector<std::string> cut;
+  for (size_t length = 0; length < good.size(); length += length < 80 ? 1 : 7) {
+    cut.push_back("cut" + std::to_string(length) + ".png");
+    write(cut.back(), good.substr(0, length));
+  }
+  expect_refused(cut);
+
+  std::string damaged_files;
+  for (size_t i = 8; i < good.size(); i += i < 80 ? 1 : 5) {
+    std::string damaged = good;
+    damaged[i] = static_cast<char>(damaged[i] ^ 0x41);
+    const std::string name = "damaged" + std::to_string(i) + ".png";
+    write(name, damaged);
+    damaged_files += " " + name;
+  }
+  const Outcome run = quofp("info --format csv good.png" + damaged_files);
+  EXPECT_EQ(run.exit, 3);
+  const auto rows = csv_rows(run.out);
+  ASSERT_GE(rows.size(), 2U);
+  EXPECT_EQ(rows[1][0], "good.png");
+  // What is still read has its checksum intact, so it has the good pixels.
+  for (size_t i = 2; i < rows.size(); i++) {
+    EXPECT_TRUE(std::equal(rows[i].begin() + 1, rows[i].end(), rows[1].begin() + 1)) << rows[i][0];
+  }
+}
