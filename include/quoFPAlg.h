@@ -44,11 +44,16 @@ extern "C" {
  */
 #define QUO_OK 0u              /**< Success. */
 #define QUO_NO_MEMORY 1u       /**< A buffer could not be allocated, or its byte count does not fit in 32 bits. */
+#define QUO_BAD_GRID 1u        /**< ImgBlockVariance(): no block fits, or the output pointer is null. */
+#define QUO_NULL_ARGUMENT 1u   /**< The tev_ calibration functions: a required pointer is null. */
 #define QUO_NO_IMAGE 2u        /**< The image pointer is null. */
 #define QUO_BAD_TEMPLATE 2u    /**< DecodeSpTemplates(): the template is damaged or too long. */
+#define QUO_GRID_NO_MEMORY 2u  /**< ImgBlockVariance(): a buffer could not be allocated. */
+#define QUO_NO_FINGER 2u       /**< tev_AutoGainDacp(): the finger's mean gray is above 220, so there is no finger. */
 #define QUO_NO_OUTPUT 3u       /**< A required pointer is null. */
 #define QUO_LOW_COVERAGE 5u    /**< The finger covers less of the sensor than required. */
 #define QUO_TEMPLATE_MISFIT 8u /**< A template cannot be decoded, or two templates are of different frame sizes. */
+#define QUO_NO_CANDIDATE 10u   /**< FP_ChooseBestHist(): no frame qualifies. */
 /** @} */
 
 /* ------------------------------------------------------------------------------------------------------------------ */
@@ -830,10 +835,217 @@ QUO_API uint32_t FP_MatchSpTemplates(const uint8_t *first, const uint8_t *second
 /** @} */
 
 /* ------------------------------------------------------------------------------------------------------------------ */
-/* Signal analysis */
+/** @name Signal analysis
+ *
+ *  FP_ComputeSNR() and CreateBubbleImage() look at the same blocks: 16 x 16 pixels inside a margin of 4. They take
+ *  frames of at least 16 pixels in both directions; of a frame below 20 the blocks begin at the edge.
+ *  @{
+ */
+
+/** Smooths a gray image in place with the 3 x 3 binomial kernel: a row pass, then a column pass, of (1, 2, 1) / 4.
+ *
+ *  Each pass truncates to an integer, so the result is not the rounded two-dimensional convolution. The missing
+ *  neighbour of a border pixel is the mirror image of the other one across it; in a single row or column it is the
+ *  pixel itself. The name is spelled this way.
+ *
+ *  @param image    width x height gray image; read, then overwritten with the result
+ *  @param scratch  width x height bytes, not overlapping image; afterwards the result of the row pass alone
+ *  @param width    pixels per row; below 1 nothing is done
+ *  @param height   rows; below 1 nothing is done
+ *  @return 1 when done; 0, with nothing written, when 4 x width bytes could not be allocated
+ */
+QUO_API uint32_t GasssianSmooth(uint8_t *image, uint8_t *scratch, int32_t width, int32_t height);
+
+/** Population variance of gray values: the mean squared deviation from their mean.
+ *
+ *  Two passes in double precision, each step of the second one fused multiply-add. For counts that are powers of two
+ *  up to 4096, a block of 16 x 16 among them, the result is the exact variance.
+ *
+ *  @param data   count gray values, may be null
+ *  @param count  number of values
+ *  @return the variance; 0 when data is null or count is 0 or less
+ */
+QUO_API double Variance(const uint8_t *data, int32_t count);
+
+/** Variance() of every block of a gray image: its local contrast.
+ *
+ *  Square blocks tile the image inside a margin. There are as many as cover it, rounded up; the last of each row and
+ *  column of blocks is moved back to end at the inner edge of the margin, over its neighbour. A block that would then
+ *  begin before the image begins at its edge.
+ *
+ *  @param image          width x height gray image
+ *  @param width          pixels per row, at least size and above 2 x margin
+ *  @param height         rows, as width
+ *  @param margin         pixels left out along each of the four edges
+ *  @param size           pixels along the side of a block, at least 1
+ *  @param variances      receives an array of blocks_across x blocks_down values, rows of blocks from the top, which the
+ *                        caller releases with tev_quo_free(); required
+ *  @param blocks_across  receives the number of blocks in a row, may be null
+ *  @param blocks_down    receives the number of rows of blocks, may be null
+ *  @return QUO_OK; QUO_BAD_GRID when the sizes leave no block or variances is null; QUO_GRID_NO_MEMORY when size x size
+ *          bytes or the array could not be allocated. On failure nothing is written.
+ */
+QUO_API uint32_t ImgBlockVariance(const uint8_t *image, int32_t width, int32_t height, uint8_t margin, int32_t size,
+                                  double **variances, uint32_t *blocks_across, uint32_t *blocks_down);
+
+/** Rates a frame by its ratio of signal to noise.
+ *
+ *  The signal is what GasssianSmooth() keeps of the frame, the noise what it takes away. A block of variances s of the
+ *  signal and n of the noise has the ratio 10 s / (n + 1). The frame's ratio is the median, of an even number of blocks
+ *  the upper middle one; the amplitudes are those of the first block with that ratio.
+ *
+ *  @param frame   width x height gray image
+ *  @param width   pixels per row, at least 16
+ *  @param height  rows, at least 16
+ *  @param snr     receives the ratio, truncated and at most 255; required
+ *  @param signal  receives the root of 10 s, rounded and at most 255; may be null
+ *  @param noise   receives the root of n + 1, rounded and at most 255; may be null
+ *  @return QUO_OK; QUO_NO_OUTPUT when snr is null; QUO_NO_MEMORY when a buffer could not be allocated or the frame is
+ *          too small. Only with QUO_OK anything is written.
+ */
+QUO_API uint32_t FP_ComputeSNR(const uint8_t *frame, uint32_t width, uint32_t height, uint8_t *snr, uint8_t *signal,
+                               uint8_t *noise);
+
+/** Finds bubbles: blobs well above the frame's gray level.
+ *
+ *  A pixel is bright when its gray reaches the frame's mean plus four standard deviations, the deviation being the root
+ *  of the median block variance. The threshold is at most 255, except in a frame whose deviation is above 60 and of
+ *  which more than a tenth is 255: there it may pass 255, and nothing is bright. Bubble pixels are the bright ones among
+ *  bright neighbours: MyRectErode() with a border of 2.
+ *
+ *  @param frame         width x height gray image
+ *  @param width         pixels per row, at least 16; 0 is an empty frame
+ *  @param height        rows, as width
+ *  @param count         receives the number of bubble pixels, 0 on failure; may be null
+ *  @param bubble_image  receives a width x height image, 255 at bubble pixels and 0 elsewhere, which the caller releases
+ *                       with tev_quo_free(); left alone when there are no bright pixels and on failure; may be null
+ *  @return QUO_OK, for an empty frame too; QUO_NO_MEMORY when a buffer could not be allocated, the frame is too small, or
+ *          it has more than INT32_MAX pixels
+ */
+QUO_API uint32_t CreateBubbleImage(const uint8_t *frame, uint32_t width, uint32_t height, uint32_t *count,
+                                   uint8_t **bubble_image);
+
+/** Erodes a mask with a 3 x 3 square: keeps the set pixels all of whose eight neighbours are set.
+ *
+ *  @param mask    width x height bytes, of which only 255 counts as set
+ *  @param output  width x height bytes, not overlapping mask; kept pixels become 255, the others stay as they are
+ *  @param width   pixels per row
+ *  @param height  rows
+ *  @param border  pixels along each edge that are not kept and not written; below 1 it counts as 1
+ *  @param count   receives the number of kept pixels, may be null
+ */
+QUO_API void MyRectErode(const uint8_t *mask, uint8_t *output, int32_t width, int32_t height, int32_t border,
+                         uint32_t *count);
+
+/** @} */
 
 /* ------------------------------------------------------------------------------------------------------------------ */
-/* Sensor calibration */
+/** @name Sensor calibration
+ *
+ *  The analogue front end has three gain stages, each set by an index, and a DAC that shifts the output level:
+ *
+ *  | Index        | 0 | 1 | 2 | 3   | 4 | 5 | 6    | 7  |
+ *  |--------------|---|---|---|-----|---|---|------|----|
+ *  | First stage  | 1 | 2 | 4 | 5.6 | 7 | 8 | 11.3 | 14 |
+ *  | Second stage | 1 | 2 | 3 | 4   |   |   |      |    |
+ *  | Third stage  | 1 | 2 | 3 | 4   |   |   |      |    |
+ *
+ *  Modes 1 and 2 are those of sensors whose mean gray rises with the DAC value; in every other mode it falls.
+ *  @{
+ */
+
+/** Settings of the analogue front end. */
+typedef struct QuoGainSettings {
+  uint8_t carried;      /**< not a setting of the front end; handed through */
+  uint8_t first_stage;  /**< gain index 0 to 7 */
+  uint8_t second_stage; /**< gain index 0 to 3 */
+  uint8_t third_stage;  /**< gain index 0 to 3 */
+  uint8_t dac;          /**< DAC value */
+} QuoGainSettings;
+
+/** Measures the finger in a frame: the 8 x 8 blocks, from the top left corner, whose mean gray is below 220.
+ *
+ *  @param frame     width x height gray image, may be null
+ *  @param width     pixels per row; only whole blocks count
+ *  @param height    rows, as width
+ *  @param mean      receives the mean gray of the finger blocks, truncated, or 255 when there are none; may be null
+ *  @param coverage  receives the percentage of finger blocks among all, truncated, 0 when there are none; may be null
+ *  @return QUO_OK, or QUO_NULL_ARGUMENT with nothing written when frame is null
+ */
+QUO_API uint32_t tev_GetFingerMean(const uint8_t *frame, int32_t width, int32_t height, uint8_t *mean,
+                                   uint8_t *coverage);
+
+/** The DAC value that brings a mean gray to a target at the present gains.
+ *
+ *  One step of the DAC moves the mean by 0.145 gray levels times the three gains, up or down by mode.
+ *
+ *  @param settings_in   the present settings; of the indices only the low 3, 2 and 2 bits are looked at
+ *  @param settings_out  receives the settings with the new DAC value, truncated and limited to 0..255, 0 for a mean that
+ *                       is not a number; may be settings_in
+ *  @param target        the wanted mean gray
+ *  @param mode          the kind of sensor
+ *  @param mean          the measured mean gray
+ *  @return QUO_OK, or QUO_NULL_ARGUMENT when settings_out is null
+ */
+QUO_API uint32_t tev_AutoGainDacpInside(const QuoGainSettings *settings_in, QuoGainSettings *settings_out,
+                                        uint8_t target, uint32_t mode, double mean);
+
+/** New settings of the front end, packed in three bytes, that bring the finger's mean gray to a target.
+ *
+ *  The gains stay; the DAC value moves as tev_AutoGainDacpInside() says. Bits of the packed settings, the lowest first:
+ *
+ *  | Mode      | Byte 0                                | Byte 1                           | Byte 2 |
+ *  |-----------|---------------------------------------|----------------------------------|--------|
+ *  | 2 or 3    | 3 first stage, 2 second stage, 3 none | not used, third stage 0          | DAC    |
+ *  | any other | 3 carried, 3 first stage, 2 second    | 2 third stage, 6 carried through | DAC    |
+ *
+ *  The new settings are packed by the second layout in every mode; the carried bits of byte 0 are 0 in modes 2 and 3.
+ *
+ *  @param frame          width x height gray image; read only when measured_mean is null
+ *  @param width          pixels per row
+ *  @param height         rows
+ *  @param measured_mean  the finger's mean gray; null has it measured by tev_GetFingerMean()
+ *  @param packed_in      the three bytes of the present settings; required
+ *  @param packed_out     receives the three bytes of the new settings; may be packed_in; required
+ *  @param target         the wanted mean gray
+ *  @param mode           the kind of sensor
+ *  @return QUO_OK; QUO_NULL_ARGUMENT when a required pointer is null, the frame too if it must be measured;
+ *          QUO_NO_FINGER when the mean is above 220. Only with QUO_OK anything is written.
+ */
+QUO_API uint32_t tev_AutoGainDacp(const uint8_t *frame, int32_t width, int32_t height, const uint8_t *measured_mean,
+                                  const uint8_t *packed_in, uint8_t *packed_out, uint8_t target, uint32_t mode);
+
+/** Chooses, of several frames, the one with the best distribution of gray levels.
+ *
+ *  Of each frame's histogram, with bins of 16 bits that count modulo 65536, dark pixels are those of 0 to 14, low ones
+ *  of 15 to 127, high ones of 128 to 199; brighter ones take part in nothing. Shares are percentages of dark, low and
+ *  high pixels together; the deviation is the mean absolute deviation of low and high pixels from their mean. The class
+ *  is the first that fits:
+ *
+ *  | Class        | Condition                                                             |
+ *  |--------------|-----------------------------------------------------------------------|
+ *  | unclassified | null, no low or high pixels, or at most 1000 dark, low and high ones  |
+ *  | dark         | more than 25 % dark                                                   |
+ *  | contrasted   | deviation at least 15                                                 |
+ *  | flat bright  | below 10 % low                                                        |
+ *  | flat mid     | deviation above 10                                                    |
+ *  | flat         | the rest                                                              |
+ *
+ *  The choice is the first that applies: the contrasted frame with the largest share of low pixels, if that is above 0,
+ *  the earliest of equals; the last frame when all are dark; the dark one when one is dark and at least one flat bright;
+ *  the flat mid one when one is flat mid and at least one dark.
+ *
+ *  @param frames  count pointers to width x height gray images; null entries are passed over
+ *  @param count   number of frames; of 0 frames the choice is 255
+ *  @param width   pixels per row
+ *  @param height  rows
+ *  @param chosen  receives the index of the chosen frame, may be null
+ *  @return QUO_OK, or QUO_NO_CANDIDATE with nothing written when no choice applies
+ */
+QUO_API uint32_t FP_ChooseBestHist(const uint8_t *const *frames, uint8_t count, int32_t width, int32_t height,
+                                   uint8_t *chosen);
+
+/** @} */
 
 /* ------------------------------------------------------------------------------------------------------------------ */
 /* Image operator toolbox */

@@ -32,6 +32,12 @@ class Scratch {
     return data_ != nullptr;
   }
 
+  /** Takes over an array that a function of the library handed out; null for none. */
+  void adopt(T* data) {
+    reset();
+    data_ = data;
+  }
+
   /** Gives the array back early, where the order of the calls matters. */
   void reset() {
     if (data_ != nullptr) tev_quo_free(data_);

@@ -1,0 +1,48 @@
+#include <gtest/gtest.h>
+
+#include "quoFPAlg.h"
+#include "reference/signal.h"
+#include "support/guarded.h"
+
+using namespace quo_test;
+
+TEST(Variance, HasTheseResults) {
+  const uint8_t values[] = {7, 9, 1, 0};
+  EXPECT_EQ(Variance(values, 1), 0.0);
+  EXPECT_EQ(Variance(values, 2), 1.0);
+  EXPECT_EQ(Variance(nullptr, 4), 0.0);
+  for (const int32_t none : {0, -1, INT32_MIN}) {
+    EXPECT_EQ(Variance(values, none), 0.0);
+    EXPECT_FALSE(std::signbit(Variance(values, none)));
+  }
+  std::vector<uint8_t> halves(256, 0);
+  std::fill_n(halves.begin(), 128, 255);
+  EXPECT_EQ(Variance(halves.data(), 256), 16256.25);
+}
+
+// Powers of two up to 4096 take integer sums, all other counts the steps in order.
+TEST(Variance, EqualsItsDefinitionToTheBit) {
+  Random random(2);
+  auto check = [&](int32_t count, Fill fill) {
+    const Image image = generate(random, count, 1, fill);
+    Guarded values(image.pixels, Guard::kAfter);
+    ASSERT_EQ(Variance(values.data(), count), quo_reference::variance(image.pixels)) << count << " values";
+  };
+  for (const Fill fill : kAllFills) {
+    for (int32_t count = 1; count <= 300; count++) check(count, fill);
+    for (int32_t count = 512; count <= 16384; count *= 2) {
+      for (int32_t near = count - 1; near <= count + 1; near++) check(near, fill);
+    }
+  }
+}
+
+// The largest sums: values that take the extremes in every proportion.
+TEST(Variance, IsExactForEveryMixtureOfBlackAndWhiteInABlock) {
+  for (const size_t count : {256U, 4096U}) {
+    std::vector<uint8_t> values(count, 0);
+    for (size_t white = 0; white <= count; white++) {
+      ASSERT_EQ(Variance(values.data(), static_cast<int32_t>(count)), quo_reference::variance(values)) << white;
+      if (white < count) values[white] = 255;
+    }
+  }
+}
