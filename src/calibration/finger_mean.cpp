@@ -1,6 +1,5 @@
 #include <cstddef>
 
-#include "frame/scratch.h"
 #include "quoFPAlg.h"
 
 namespace {
@@ -8,11 +7,17 @@ namespace {
 constexpr int32_t kBlockSize = 8;
 constexpr uint32_t kBlockPixels = kBlockSize * kBlockSize;
 constexpr uint32_t kFingerBelow = 220;  // mean gray from which on a block is no finger
+constexpr uint8_t kNoFingerMean = 255;  // reported when there is no finger block
 
 struct FingerBlocks {
   uint64_t count = 0;
   uint64_t sum = 0;  // of their pixels
+
+  uint8_t mean() const { return count > 0 ? static_cast<uint8_t>(sum / (count * kBlockPixels)) : kNoFingerMean; }
+  uint8_t percentage(uint64_t all) const { return count > 0 ? static_cast<uint8_t>(100 * count / all) : uint8_t{0}; }
 };
+
+uint32_t whole_blocks(int32_t length) { return length > 0 ? static_cast<uint32_t>(length) / kBlockSize : 0; }
 
 // Sum of an 8 x 8 block: eight bytes of a row at a time, added in pairs into four 16-bit lanes.
 uint32_t block_sum(const uint8_t* block, size_t stride) {
@@ -45,14 +50,9 @@ FingerBlocks find_finger(const uint8_t* frame, size_t stride, uint32_t across, u
 
 uint32_t tev_GetFingerMean(const uint8_t* frame, int32_t width, int32_t height, uint8_t* mean, uint8_t* coverage) {
   if (frame == nullptr) return QUO_NULL_ARGUMENT;
-  const uint32_t across = width > 0 ? static_cast<uint32_t>(width) / kBlockSize : 0;
-  const uint32_t down = height > 0 ? static_cast<uint32_t>(height) / kBlockSize : 0;
-  const FingerBlocks finger = find_finger(frame, across > 0 ? static_cast<size_t>(width) : 0, across, down);
-
-  const bool found = finger.count > 0;
-  if (mean != nullptr) *mean = found ? static_cast<uint8_t>(finger.sum / (finger.count * kBlockPixels)) : 255;
-  if (coverage != nullptr) {
-    *coverage = found ? static_cast<uint8_t>(100 * finger.count / (uint64_t{across} * down)) : 0;
-  }
+  const uint32_t across = whole_blocks(width), down = across > 0 ? whole_blocks(height) : 0;
+  const FingerBlocks finger = find_finger(frame, static_cast<size_t>(width), across, down);
+  if (mean != nullptr) *mean = finger.mean();
+  if (coverage != nullptr) *coverage = finger.percentage(uint64_t{across} * down);
   return QUO_OK;
 }

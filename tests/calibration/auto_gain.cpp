@@ -78,10 +78,11 @@ TEST(tev_AutoGainDacpInside, RoundsTheGainToSinglePrecision) {
     volatile float gain = a * b;
     gain = gain * c;
     gain = gain * 0.145F;
-    const double exact = double{a} * double{b} * double{c} * 0.145;
+    const auto single = static_cast<double>(gain);
+    const auto exact = static_cast<double>(a) * static_cast<double>(b) * static_cast<double>(c) * 0.145;
     for (int steps = 1; steps < 255 && steps * gain < 255; steps++) {
       const double mean = 255 - steps * exact;
-      const double change = (255 - mean) / double{gain};
+      const double change = (255 - mean) / single;
       ASSERT_EQ(new_dac(settings, 255, 1, mean), static_cast<int>(change)) << i << ", " << steps;
       single_matters += static_cast<int>(change) != static_cast<int>((255 - mean) / exact) ? 1 : 0;
     }

@@ -11,7 +11,6 @@ using namespace quo_test;
 namespace {
 
 constexpr int32_t kWidth = 50, kHeight = 40;
-constexpr int kPixels = kWidth * kHeight;
 constexpr int kNoChoice = -1;
 
 // A frame of the given gray levels in the given numbers; the rest is 255, which takes part in nothing.

@@ -9,5 +9,7 @@ namespace golden {
 
 extern const std::vector<Function> kFrameFunctions;
 extern const std::vector<Function> kPreprocFunctions;
+extern const std::vector<Function> kSignalFunctions;
+extern const std::vector<Function> kCalibrationFunctions;
 
 }  // namespace golden

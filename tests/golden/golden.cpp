@@ -129,7 +129,7 @@ uint64_t Case::finish() {
 
 std::vector<Function> functions() {
   std::vector<Function> result;
-  for (const auto* list : {&kFrameFunctions, &kPreprocFunctions})
+  for (const auto* list : {&kFrameFunctions, &kPreprocFunctions, &kSignalFunctions, &kCalibrationFunctions})
     result.insert(result.end(), list->begin(), list->end());
   return result;
 }

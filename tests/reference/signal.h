@@ -85,8 +85,8 @@ inline Snr snr(const Image& frame) {
   for (size_t k = 0; k < signals.size(); k++) ratios.push_back(10.0 * signals[k] / (noises[k] + 1.0));
   const double median = upper_median(ratios);
   const auto k = static_cast<size_t>(std::find(ratios.begin(), ratios.end(), median) - ratios.begin());
-  const double signal = double{quo_sqrt(static_cast<float>(10.0 * signals[k]))} + 0.5;
-  const double noise = double{quo_sqrt(static_cast<float>(noises[k] + 1.0))} + 0.5;
+  const double signal = static_cast<double>(quo_sqrt(static_cast<float>(10.0 * signals[k]))) + 0.5;
+  const double noise = static_cast<double>(quo_sqrt(static_cast<float>(noises[k] + 1.0))) + 0.5;
   auto byte = [](double value) { return value > 255.0 ? 255 : static_cast<int>(value); };
   return {byte(median), byte(signal), byte(noise)};
 }
