@@ -955,13 +955,13 @@ QUO_API void MyRectErode(const uint8_t *mask, uint8_t *output, int32_t width, in
  */
 
 /** Settings of the analogue front end. */
-typedef struct QuoGainSettings {
+typedef struct quo_gain_settings {
   uint8_t carried;      /**< not a setting of the front end; handed through */
   uint8_t first_stage;  /**< gain index 0 to 7 */
   uint8_t second_stage; /**< gain index 0 to 3 */
   uint8_t third_stage;  /**< gain index 0 to 3 */
   uint8_t dac;          /**< DAC value */
-} QuoGainSettings;
+} quo_gain_settings;
 
 /** Measures the finger in a frame: the 8 x 8 blocks, from the top left corner, whose mean gray is below 220.
  *
@@ -987,7 +987,7 @@ QUO_API uint32_t tev_GetFingerMean(const uint8_t *frame, int32_t width, int32_t 
  *  @param mean          the measured mean gray
  *  @return QUO_OK, or QUO_NULL_ARGUMENT when settings_out is null
  */
-QUO_API uint32_t tev_AutoGainDacpInside(const QuoGainSettings *settings_in, QuoGainSettings *settings_out,
+QUO_API uint32_t tev_AutoGainDacpInside(const quo_gain_settings *settings_in, quo_gain_settings *settings_out,
                                         uint8_t target, uint32_t mode, double mean);
 
 /** New settings of the front end, packed in three bytes, that bring the finger's mean gray to a target.

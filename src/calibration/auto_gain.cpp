@@ -17,7 +17,7 @@ bool has_short_layout(uint32_t mode) { return mode == 2 || mode == 3; }
 
 bool dac_raises_mean(uint32_t mode) { return mode == 1 || mode == 2; }
 
-QuoGainSettings unpack(const uint8_t* packed, uint32_t mode) {
+quo_gain_settings unpack(const uint8_t* packed, uint32_t mode) {
   if (has_short_layout(mode)) {
     return {.carried = 0,
             .first_stage = bits(packed[0], 0, kFirstStageMask),
@@ -33,14 +33,14 @@ QuoGainSettings unpack(const uint8_t* packed, uint32_t mode) {
 }
 
 // The same in every mode, the short layout's too. Bits 2 to 7 of the second byte are carried through.
-void pack(const QuoGainSettings& settings, uint8_t second_byte, uint8_t* packed) {
+void pack(const quo_gain_settings& settings, uint8_t second_byte, uint8_t* packed) {
   packed[0] = static_cast<uint8_t>(settings.first_stage << 3 | settings.second_stage << 6 | settings.carried);
   packed[1] = static_cast<uint8_t>((second_byte & ~kLaterStageMask) | settings.third_stage);
   packed[2] = settings.dac;
 }
 
 // Gray levels by which one DAC step moves the mean; every product rounds to single precision.
-float gain_factor(const QuoGainSettings& settings) {
+float gain_factor(const quo_gain_settings& settings) {
   return kFirstStage[settings.first_stage & kFirstStageMask] * kSecondStage[settings.second_stage & kLaterStageMask] *
          kThirdStage[settings.third_stage & kLaterStageMask] * kGrayPerStep;
 }
@@ -53,7 +53,7 @@ uint8_t to_dac(double value) {
 
 }  // namespace
 
-uint32_t tev_AutoGainDacpInside(const QuoGainSettings* settings_in, QuoGainSettings* settings_out, uint8_t target,
+uint32_t tev_AutoGainDacpInside(const quo_gain_settings* settings_in, quo_gain_settings* settings_out, uint8_t target,
                                 uint32_t mode, double mean) {
   if (settings_out == nullptr) return QUO_NULL_ARGUMENT;
   *settings_out = *settings_in;
@@ -74,8 +74,8 @@ uint32_t tev_AutoGainDacp(const uint8_t* frame, int32_t width, int32_t height, c
   }
   if (mean > kLargestMean) return QUO_NO_FINGER;
 
-  const QuoGainSettings old_settings = unpack(packed_in, mode);
-  QuoGainSettings new_settings;
+  const quo_gain_settings old_settings = unpack(packed_in, mode);
+  quo_gain_settings new_settings;
   tev_AutoGainDacpInside(&old_settings, &new_settings, target, mode, mean);
   pack(new_settings, packed_in[1], packed_out);
   return QUO_OK;

@@ -13,8 +13,8 @@ using Packed = std::array<uint8_t, 3>;
 
 namespace {
 
-uint8_t new_dac(QuoGainSettings settings, uint8_t target, uint32_t mode, double mean) {
-  QuoGainSettings changed{9, 9, 9, 9, 9};
+uint8_t new_dac(quo_gain_settings settings, uint8_t target, uint32_t mode, double mean) {
+  quo_gain_settings changed{9, 9, 9, 9, 9};
   EXPECT_EQ(tev_AutoGainDacpInside(&settings, &changed, target, mode, mean), QUO_OK);
   EXPECT_EQ(changed.carried, settings.carried);
   EXPECT_EQ(changed.first_stage, settings.first_stage);
@@ -35,7 +35,7 @@ Packed repack(Packed packed, uint32_t mode) {
 TEST(tev_AutoGainDacpInside, HasTheseResults) {
   const double nan = std::nan(""), inf = std::numeric_limits<double>::infinity();
   const struct {
-    QuoGainSettings settings;
+    quo_gain_settings settings;
     uint8_t target;
     uint32_t mode;
     double mean;
@@ -72,8 +72,8 @@ TEST(tev_AutoGainDacpInside, RoundsTheGainToSinglePrecision) {
   const float first[] = {1.0F, 2.0F, 4.0F, 5.6F, 7.0F, 8.0F, 11.3F, 14.0F}, later[] = {1.0F, 2.0F, 3.0F, 4.0F};
   int single_matters = 0;
   for (int i = 0; i < 128; i++) {
-    const QuoGainSettings settings{0, static_cast<uint8_t>(i / 16), static_cast<uint8_t>(i / 4 % 4),
-                                   static_cast<uint8_t>(i % 4), 0};
+    const quo_gain_settings settings{0, static_cast<uint8_t>(i / 16), static_cast<uint8_t>(i / 4 % 4),
+                                     static_cast<uint8_t>(i % 4), 0};
     const float a = first[settings.first_stage], b = later[settings.second_stage], c = later[settings.third_stage];
     volatile float gain = a * b;
     gain = gain * c;

@@ -14,7 +14,7 @@ uint32_t mode(Case& c) { return static_cast<uint32_t>(c.argument(0, 5)); }
 
 void call_gain_inside(Case& c) {
   for (int i = 0; i < 16; i++) {
-    QuoGainSettings settings;
+    quo_gain_settings settings;
     for (uint8_t* field :
          {&settings.carried, &settings.first_stage, &settings.second_stage, &settings.third_stage, &settings.dac}) {
       *field = c.random().byte();
