@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-#include "quoFPAlg.h"
+#include "frame/hooks.h"
+#include "quality/ridge_degrees.h"
 
 namespace quo {
 
@@ -71,20 +72,6 @@ void sum_windows(const uint32_t* __restrict top_left, const uint32_t* __restrict
   }
 }
 
-constexpr double kTurn = 6.2831852;                       // added to negative angles
-constexpr double kDegreesPerRadian = 57.295780490442965;  // 1.7e-8 more than 180 / pi
-constexpr double kMostHalves = 181.0;                     // above every angle that an arctangent gives
-
-// The ridge orientation that belongs to the angle, in radians, of the averaged vector (2 Gx Gy, Gx^2 - Gy^2). That
-// vector turns twice as fast as the gradient and the other way round, hence the halving and the subtraction. An angle
-// that no arctangent has, which only an interposed hook can give, counts as 0.
-uint8_t ridge_degrees(double angle) {
-  if (angle < 0.0) angle += kTurn;
-  const double halved = angle * kDegreesPerRadian * 0.5 + 0.5;
-  const int32_t degrees = halved > 0.0 && halved < kMostHalves ? static_cast<int32_t>(halved) : 0;
-  return static_cast<uint8_t>(degrees <= 135 ? 135 - degrees : 315 - degrees);
-}
-
 }  // namespace
 
 void sum_orientation(const HalfFrame& half, const OrientationTables& tables) {
@@ -146,7 +133,8 @@ void orient_pixels(const HalfFrame& half, const OrientationTables& tables, int32
   int32_t product[kColumnsAtOnce], difference[kColumnsAtOnce];
   window_sums(half, tables.product, x, y, count, product);
   window_sums(half, tables.difference, x, y, count, difference);
-  for (int32_t i = 0; i < count; i++) degrees[i] = ridge_degrees(tev_quo_atan2(difference[i], product[i]));
+  const auto take_degrees = arctangent_is_own() ? take_degrees_where_clear : take_degrees_by_hook;
+  take_degrees(product, difference, count, degrees);
 }
 
 }  // namespace quo
