@@ -18,6 +18,9 @@ void add_preprocess(Commands& commands);
 // Sensor defect inspection
 
 // Sp templates
+void add_match(Commands& commands);
+void add_show(Commands& commands);
+void add_template(Commands& commands);
 
 // Signal analysis
 

@@ -18,6 +18,8 @@ std::string_view result_meaning(uint32_t code) {
       return "a required pointer is null";
     case QUO_LOW_COVERAGE:
       return "the finger covers less of the sensor than required";
+    case QUO_TEMPLATE_MISFIT:
+      return "a template cannot be decoded, or two do not fit together";
     default:
       return "unknown result code";
   }

@@ -44,7 +44,7 @@ void add_output(CLI::App& command, Output& output, const std::string& descriptio
   command.add_option("-o,--output", output.path, description)->required()->type_name("PATH");
 }
 
-Outputs::Outputs(const Inputs& inputs, const Output& output) {
+Outputs::Outputs(const Inputs& inputs, const Output& output, const std::string& ending) {
   const std::filesystem::path folder = output.path;
   if (inputs.files.size() == 1 && folder.has_filename() && !std::filesystem::is_directory(folder)) {
     paths_[inputs.files[0]] = output.path;
@@ -52,7 +52,7 @@ Outputs::Outputs(const Inputs& inputs, const Output& output) {
   }
   std::set<std::filesystem::path> taken;
   for (const std::string& file : inputs.files) {
-    const std::filesystem::path path = folder / std::filesystem::path(file).filename().replace_extension(".png");
+    const std::filesystem::path path = folder / std::filesystem::path(file).filename().replace_extension(ending);
     if (!taken.insert(path).second) throw usage_failure("two inputs would be written to " + path.string());
     paths_[file] = path.string();
   }

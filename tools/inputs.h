@@ -40,11 +40,11 @@ struct Output {
 void add_output(CLI::App& command, Output& output, const std::string& description);
 
 /** The output of each input. With several inputs, or when the path ends in a slash or is a folder, outputs lie in that
- *  folder, named as the inputs with the ending .png. */
+ *  folder, named as the inputs with another ending. */
 class Outputs {
  public:
   /** @throws Failure when two inputs would share an output, or when the folder cannot be made */
-  Outputs(const Inputs& inputs, const Output& output);
+  Outputs(const Inputs& inputs, const Output& output, const std::string& ending = ".png");
 
   const std::string& path_for(const std::string& file) const { return paths_.at(file); }
 

@@ -23,6 +23,7 @@ constexpr void (*kCommands[])(Commands&) = {
     // Sensor defect inspection
 
     // Sp templates
+    add_template, add_show, add_match,
 
     // Signal analysis
 
