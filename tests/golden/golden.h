@@ -16,18 +16,17 @@ struct Hash {
   uint64_t value;
 };
 
-/** Runs every group of calls of a function, its buffers at one end of their pages.
+/** Runs all functions and compares them with a file of golden hashes; reports to `out`.
  *
  *  Each call is made once with all the memory it asks for, then with its first, second ... allocation failing, alone and
  *  with all later ones, then once more. Ends the program when memory leaks, is freed twice, or when the last result is not
- *  the first. */
-std::vector<Hash> run(const Function& function, Guard guard);
-
-/** Runs all functions and compares them with a file of golden hashes; reports to `out`.
+ *  the first.
+ *
+ *  @param guard  which end of every buffer touches an unreadable page
  *  @return 0 when all are equal, 1 when some differ or are missing, 3 when the file cannot be read */
 int compare(const std::string& path, Guard guard, std::FILE* out);
 
-/** The same in `count` threads at once, each of which runs all functions on buffers of its own. */
+/** The same in `count` threads at once, each of which runs the calls of middle size on buffers of its own. */
 int compare_in_threads(const std::string& path, unsigned count, std::FILE* out);
 
 /** Writes the file anew. @return 0, or 3 when it cannot be written */
