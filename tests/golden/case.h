@@ -142,6 +142,7 @@ class Case {
 struct Function {
   const char* name;
   void (*call)(Case&);
+  bool abi_sizes = false;  // allocates records whose size is the ABI's choice, so sizes are no part of the result
 };
 
 /** All functions, in the order of the export list. */

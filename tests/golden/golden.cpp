@@ -51,7 +51,7 @@ struct Outcome {
 
 Outcome call(const Function& function, uint64_t seed, Size size, Guard guard, Failing failing) {
   Case c(seed, size.width, size.height, guard);
-  start_recording(c.digest(), failing);
+  start_recording(c.digest(), failing, !function.abi_sizes);
   function.call(c);
   const uint64_t allocations = stop_recording();
   return {c.finish(), allocations};
@@ -144,8 +144,10 @@ uint64_t Case::finish() {
 
 std::vector<Function> functions() {
   std::vector<Function> result;
-  for (const auto* list : {&kFrameFunctions, &kPreprocFunctions, &kSignalFunctions, &kCalibrationFunctions})
+  for (const auto* list : {&kFrameFunctions, &kPreprocFunctions, &kQualityFunctions, &kDefectFunctions,
+                           &kSpTemplateFunctions, &kSignalFunctions, &kCalibrationFunctions}) {
     result.insert(result.end(), list->begin(), list->end());
+  }
   return result;
 }
 

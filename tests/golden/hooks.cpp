@@ -20,6 +20,7 @@ namespace {
 struct Recording {
   Digest* digest = nullptr;
   Failing failing;
+  bool with_sizes = true;
   uint64_t asked = 0;
   std::vector<void*> live;
 };
@@ -38,7 +39,9 @@ bool shall_fail(uint64_t index) {
 
 }  // namespace
 
-void start_recording(Digest& digest, Failing failing) { recording = {&digest, failing, 0, {}}; }
+void start_recording(Digest& digest, Failing failing, bool with_sizes) {
+  recording = {&digest, failing, with_sizes, 0, {}};
+}
 
 uint64_t stop_recording() {
   if (!recording.live.empty()) give_up("a call did not give back its memory");
@@ -52,7 +55,7 @@ uint64_t stop_recording() {
 void* tev_quo_malloc(uint32_t size) {
   auto& recording = golden::recording;
   if (recording.digest == nullptr) return std::malloc(size);
-  recording.digest->add(size);
+  recording.digest->add(recording.with_sizes ? size : 0U);
   if (golden::shall_fail(recording.asked++)) return nullptr;
   void* const block = std::malloc(size > 0 ? size : 1);
   if (block == nullptr) golden::give_up("out of memory");

@@ -14,8 +14,9 @@ struct Failing {
   bool and_later = false;
 };
 
-/** From here to stop_recording() the calls of this thread are folded into the digest. */
-void start_recording(Digest& digest, Failing failing);
+/** From here to stop_recording() the calls of this thread are folded into the digest, with or without the sizes of the
+ *  allocations. */
+void start_recording(Digest& digest, Failing failing, bool with_sizes);
 
 /** Ends the program when a block was not given back.
  *  @return the number of allocations asked for */
