@@ -22,6 +22,8 @@ Tool::Tool() {
   std::string name = (std::filesystem::temp_directory_path() / "quofp-test-XXXXXX").string();
   if (mkdtemp(name.data()) == nullptr) std::abort();
   folder_ = name;
+  setenv("LSAN_OPTIONS", "print_suppressions=0:suppressions=" QUO_LEAK_SUPPRESSIONS,
+         1);  // read by sanitizer builds only
 }
 
 Tool::~Tool() { std::filesystem::remove_all(folder_); }
