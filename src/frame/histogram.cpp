@@ -14,7 +14,7 @@ void clear(uint32_t* bins, uint32_t count) {
 // store of the one before. A lane counts at most INT32_MAX / 4 + 3 pixels, so no sum wraps.
 void count_in_lanes(const uint8_t* pixels, int32_t count, uint32_t (&lanes)[kLanes][kGrayLevels]) {
   int32_t i = 0;
-  for (; i + kLanes <= count; i += kLanes) {
+  for (; count - i >= kLanes; i += kLanes) {
     lanes[0][pixels[i]]++;
     lanes[1][pixels[i + 1]]++;
     lanes[2][pixels[i + 2]]++;

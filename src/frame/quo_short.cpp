@@ -84,10 +84,11 @@ void sort_run(double* first, double* last) {
 void quo_short(double* values, int32_t count) {
   // A comparison with a NaN is false, so no value ever passes one: the runs between them are sorted on their own.
   double* const end = count > 1 ? values + count : values;
-  for (double* first = values; first < end;) {
+  for (double* first = values; first < end; first++) {
     double* last = first;
     while (last < end && *last == *last) last++;
     sort_run(first, last);
-    first = last + 1;
+    if (last == end) return;
+    first = last;  // the NaN
   }
 }

@@ -21,8 +21,20 @@ void tev_quo_free(void *block) {
 
 void tev_quo_log(const char *tag, uint32_t length) { logs += strlen(tag) + 1 == length; }
 
-uint8_t CalcHistogram(const uint8_t *pixels, int32_t count, uint32_t *histogram, uint32_t bins) {
-  (void)pixels, (void)count, (void)histogram, (void)bins;
+/* Each of these the preprocessing reaches inside the library. */
+void FillBorders(uint8_t *image, int32_t width, int32_t height, uint8_t flags) {
+  (void)image, (void)width, (void)height, (void)flags;
+  strangers++;
+}
+
+uint8_t RemoveVerticalStripes(const uint8_t *source, uint8_t *destination, int32_t width, int32_t height) {
+  (void)source, (void)destination, (void)width, (void)height;
+  strangers++;
+  return 0;
+}
+
+double GetEnhanceCoef(const uint8_t *image, uint32_t width, uint32_t height, int32_t target) {
+  (void)image, (void)width, (void)height, (void)target;
   strangers++;
   return 0;
 }
