@@ -1048,7 +1048,208 @@ QUO_API uint32_t FP_ChooseBestHist(const uint8_t *const *frames, uint8_t count, 
 /** @} */
 
 /* ------------------------------------------------------------------------------------------------------------------ */
-/* Image operator toolbox */
+/** @name Image operator toolbox
+ *
+ *  Operators that no entry point calls. Unless one says otherwise, pointers are not tested, outputs do not overlap
+ *  inputs, and an empty image is left alone.
+ *  @{
+ */
+
+/** The sites of each direction class: seven pixel offsets (dx, dy) on a line through the pixel.
+ *
+ *  Class k stands for 15 * k degrees, from the direction of increasing x towards that of increasing y. Site 3 is
+ *  (0, 0); three lie on each side of it, at most 3 pixels away, and site 6 - i is site i mirrored.
+ */
+extern QUO_API const int32_t g_DDSite[12][7][2];
+
+/** Direction class of an angle.
+ *
+ *  @param degrees  0 to 180, where 0 and 180 are the same direction
+ *  @return k from 1 to 11 for 15 * k - 7 to 15 * k + 7 degrees; 0 for 0 to 7, for 173 to 180, and out of range
+ */
+QUO_API uint32_t DDIndex(int32_t degrees);
+
+/** Enhances ridges along a given direction field, in place.
+ *
+ *  Each pixel is averaged over the seven sites along its direction; the averaged image is then filtered across the
+ *  direction with the weights -3, -1, 3, 9, 3, -1, -3. The first step closes small gaps in a line, the second sets the
+ *  line off against its flanks. Sites outside the image are left out of sum and divisor. Results are 0 to 254.
+ *
+ *  @param image       width x height gray image
+ *  @param directions  width x height bytes, the direction at each pixel in degrees as for DDIndex(); above 180
+ *                     counts as 0
+ *  @param width       pixels per row
+ *  @param height      rows
+ *  @return 1 when done, also for an empty image; 0 when scratch memory of the size of the image could not be allocated
+ *          (nothing is written)
+ */
+QUO_API uint32_t OrientEnhance(uint8_t *image, const uint8_t *directions, int32_t width, int32_t height);
+
+/** Marks the background around a fingerprint with 255, in place.
+ *
+ *  From each end of every row, then of every column, bright pixels are marked up to the first pixel that is dark,
+ *  marked already, or bright between dark pixels eight lines away on both sides (a valley of the print). The two
+ *  outermost pixels of a line are marked with the first one marked beside them. What remains unmarked is the print.
+ *  Pixels that were 255 before become 254 first.
+ *
+ *  @param image      width x height gray image
+ *  @param width      pixels per row
+ *  @param height     rows
+ *  @param threshold  a pixel is bright above it, dark otherwise; above 253 nothing is marked
+ *  @return width * height less one for each pixel marked, where the two outermost pixels of a line count every time
+ *          that they are marked: the number of unmarked pixels as long as no such pair is marked twice, below it
+ *          otherwise, and possibly negative. 0 when the rows alone bring it to 0 or below; the columns are not done
+ *          then.
+ */
+QUO_API int32_t FingerprintImageSegment(uint8_t *image, int32_t width, int32_t height, int32_t threshold);
+
+/** Binarises bytes in place: 255 above the threshold, 0 otherwise.
+ *
+ *  @param data       count bytes
+ *  @param count      number of bytes; below 1 nothing is done
+ *  @param threshold  gray level
+ *  @return data
+ */
+QUO_API uint8_t *BinaryThreshold(uint8_t *data, int32_t count, uint8_t threshold);
+
+/** Binarises an image against its local mean.
+ *
+ *  A pixel becomes 255 when it is above the mean of the square window around it less the offset, or when the standard
+ *  deviation of the window is below 3, and 0 otherwise. At the edges the window is moved inwards, so that it stays
+ *  whole.
+ *
+ *  @param source  width x height gray image
+ *  @param output  width x height bytes; every one is written
+ *  @param width   pixels per row
+ *  @param height  rows
+ *  @param window  side of the window; taken as 1 below 1, and as the smaller of width and height above that
+ *  @param offset  gray levels
+ */
+QUO_API void AdaptiveThreshold(const uint8_t *source, uint8_t *output, int32_t width, int32_t height, int32_t window,
+                               int32_t offset);
+
+/** Stretches the contrast of each pixel against the extremes of the window around it.
+ *
+ *  Pixels of 255 are background: they are copied, and left out of every window. A pixel is stretched, from the range of
+ *  its window to 0..254, where the pixels of the window differ from it by more than 1 on average; else it is copied.
+ *  Pixels of 0 are not written: the caller prepares the output, for example as a copy of the source.
+ *
+ *  @param source         width x height gray image
+ *  @param output         width x height bytes
+ *  @param width          pixels per row
+ *  @param height         rows
+ *  @param window_width   odd, an even width acts as the next smaller odd one and one below 1 as 1; at most 65536
+ *  @param window_height  as the width; with a window beyond 65536 every pixel is copied
+ *  @return number of pixels stretched
+ */
+QUO_API uint32_t AreaGrayStretch(const uint8_t *source, uint8_t *output, int32_t width, int32_t height,
+                                 int32_t window_width, int32_t window_height);
+
+/** Stretches the contrast of each block of a grid from its own range to 0..254.
+ *
+ *  A block covers one column more than its width, which it shares with the next; there the later block's values remain.
+ *  Blocks whose values span 10 or less are not written: the caller prepares the output, for example as a copy of the
+ *  source.
+ *
+ *  @param source        width x height gray image
+ *  @param output        width x height bytes
+ *  @param width         pixels per row
+ *  @param height        rows
+ *  @param block_width   columns from one block to the next; below 1 nothing is done
+ *  @param block_height  rows of a block; below 1 nothing is done
+ *  @return number of pixels written, those of a shared column once for each block that wrote them
+ */
+QUO_API uint32_t BlockGrayStretch(const uint8_t *source, uint8_t *output, int32_t width, int32_t height,
+                                  int32_t block_width, int32_t block_height);
+
+/** Stretches an image in place, so that all but the darkest and the brightest thousandth of it fill 0..254.
+ *
+ *  Pixels of 255 are background: they are neither counted nor changed.
+ *
+ *  @param image   width x height gray image, of at most INT32_MAX pixels
+ *  @param width   pixels per row
+ *  @param height  rows
+ *  @return 1 when done, also when there was nothing to stretch; 0 with the image unchanged when no pixel is below 255,
+ *          when the image has too many, or when scratch memory of 1024 bytes could not be allocated
+ */
+QUO_API uint32_t ValidAreaGrayStretch(uint8_t *image, int32_t width, int32_t height);
+
+/** Evens out brightness and contrast over an image.
+ *
+ *  Each pixel is moved halfway from the mean of the window around it towards the mean of the image; its distance from
+ *  the local mean is then scaled so that the mean absolute deviation of the image becomes 50, and the mean of the image
+ *  moved to 128. Pixels of 255 are background: they are copied and count as the mean of the image in every window.
+ *  Windows and statistics leave out the outermost row and column on each side; the pixels there are balanced too.
+ *  Results are 0 to 254.
+ *
+ *  LocalGrayBalance_Slice() is another operator: integer arithmetic, a gain of the caller's choice, in place.
+ *
+ *  @param source         width x height gray image
+ *  @param output         width x height bytes
+ *  @param width          pixels per row
+ *  @param height         rows
+ *  @param window_width   odd, an even width acts as the next smaller odd one; 3 to 65536
+ *  @param window_height  as the width
+ *  @return 1 when every pixel was written; 0 with nothing written when scratch memory (twice 4 bytes a pixel) could not
+ *          be allocated, when a window size is out of range, when the image is smaller than 3 x 3, or when its pixels
+ *          below 255, the outermost left out, are all equal or none
+ */
+QUO_API uint32_t LocalGrayBalance(const uint8_t *source, uint8_t *output, int32_t width, uint32_t height,
+                                  int32_t window_width, int32_t window_height);
+
+/** Median of the 3 x 3 neighbourhood of each pixel; removes impulse noise.
+ *
+ *  At the border the neighbourhood is what exists of it; of an even number of values the lower of the middle two is
+ *  taken.
+ *
+ *  @param source       width x height gray image
+ *  @param destination  width x height bytes, written; source itself, or not overlapping it. With source itself nothing
+ *                      is done when scratch memory of the size of the image cannot be allocated.
+ *  @param width        pixels per row
+ *  @param height       rows
+ */
+QUO_API void MedianFilter(const uint8_t *source, uint8_t *destination, int32_t width, int32_t height);
+
+/** Erodes a mask with a cross: a set pixel stays when its four direct neighbours are set too.
+ *
+ *  Only 255 counts as set; neighbours outside the image count as set. MyRectErode() takes the whole 3 x 3 square.
+ *
+ *  @param mask    width x height mask
+ *  @param output  width x height bytes, may be null; receives 255 at each pixel that stays, elsewhere it keeps what the
+ *                 caller put there
+ *  @param width   pixels per row
+ *  @param height  rows
+ *  @param border  number of outermost rows and columns left out on each side; below 0 taken as 0
+ *  @param count   receives the number of pixels that stay; may be null
+ */
+QUO_API void MyCrossErode(const uint8_t *mask, uint8_t *output, int32_t width, int32_t height, int32_t border,
+                          uint32_t *count);
+
+/** Grows a region from a seed over the pixels of the seed's gray value, eight neighbours a pixel, and labels it.
+ *
+ *  Pixels that carry a label already do not join, nor do the two outermost rows and columns on each side; the seed may
+ *  have a label and may lie there.
+ *
+ *  @param seed_x  column of the seed
+ *  @param seed_y  row of the seed
+ *  @param label   the low 8 bits are the label, not 0
+ *  @param image   width x height gray image
+ *  @param width   pixels per row
+ *  @param height  rows
+ *  @param labels  width x height labels, 0 where there is none; the region receives the label
+ *  @param count   receives the number of pixels of the region, the seed included; may be null, as the following
+ *  @param min_x   receives the first column of the region
+ *  @param min_y   receives the first row of the region
+ *  @param max_x   receives the last column of the region
+ *  @param max_y   receives the last row of the region
+ *  @return QUO_OK; QUO_NO_MEMORY with nothing written when scratch memory (two bytes a pixel; eight for an image of
+ *          more than 256 columns or rows) could not be allocated, and also for a seed outside the image or a label of 0
+ */
+QUO_API uint32_t RegionGrowByEightNeighbor(int32_t seed_x, int32_t seed_y, uint32_t label, const uint8_t *image,
+                                           uint32_t width, uint32_t height, uint8_t *labels, uint32_t *count,
+                                           uint32_t *min_x, uint32_t *min_y, uint32_t *max_x, uint32_t *max_y);
+
+/** @} */
 
 #ifdef __cplusplus
 }

@@ -1,0 +1,134 @@
+#include <algorithm>
+#include <cstddef>
+
+#include "frame/scratch.h"
+#include "quoFPAlg.h"
+
+namespace {
+
+constexpr int32_t kStrip = 1024;  // columns filtered at a time, so that their sorted values fit on the stack
+
+uint8_t min3(uint8_t a, uint8_t b, uint8_t c) { return std::min(std::min(a, b), c); }
+uint8_t max3(uint8_t a, uint8_t b, uint8_t c) { return std::max(std::max(a, b), c); }
+uint8_t median3(uint8_t a, uint8_t b, uint8_t c) { return std::max(std::min(a, b), std::min(std::max(a, b), c)); }
+
+// Columns of two or three pixels, each sorted. Neighbouring pixels share them.
+struct Columns {
+  uint8_t low[kStrip + 2];
+  uint8_t middle[kStrip + 2];  // of three
+  uint8_t high[kStrip + 2];
+};
+
+void sort_threes(const uint8_t* __restrict a, const uint8_t* __restrict b, const uint8_t* __restrict c,
+                 Columns& __restrict columns, int32_t count) {
+  for (int32_t i = 0; i < count; i++) {
+    columns.low[i] = min3(a[i], b[i], c[i]);
+    columns.middle[i] = median3(a[i], b[i], c[i]);
+    columns.high[i] = max3(a[i], b[i], c[i]);
+  }
+}
+
+void sort_pairs(const uint8_t* __restrict a, const uint8_t* __restrict b, Columns& __restrict columns, int32_t count) {
+  for (int32_t i = 0; i < count; i++) {
+    columns.low[i] = std::min(a[i], b[i]);
+    columns.high[i] = std::max(a[i], b[i]);
+  }
+}
+
+// The fifth smallest of nine is the median of the largest low, the median middle and the smallest high value: each of
+// the three has at least four values on either side that are settled by the sorted columns.
+void fifth_of_nine(const Columns& __restrict columns, uint8_t* __restrict output, int32_t count) {
+  const uint8_t* const low = columns.low;
+  const uint8_t* const middle = columns.middle;
+  const uint8_t* const high = columns.high;
+  for (int32_t i = 0; i < count; i++) {
+    output[i] = median3(max3(low[i], low[i + 1], low[i + 2]), median3(middle[i], middle[i + 1], middle[i + 2]),
+                        min3(high[i], high[i + 1], high[i + 2]));
+  }
+}
+
+// The third smallest of six: the largest of three values that, sorted as pairs, can be the lowest three, which are all
+// the low ones or two low ones and a high one.
+void third_of_six(const Columns& __restrict columns, uint8_t* __restrict output, int32_t count) {
+  const uint8_t* const low = columns.low;
+  const uint8_t* const high = columns.high;
+  for (int32_t i = 0; i < count; i++) {
+    output[i] = std::min(max3(low[i], low[i + 1], low[i + 2]),
+                         std::max(median3(low[i], low[i + 1], low[i + 2]), min3(high[i], high[i + 1], high[i + 2])));
+  }
+}
+
+// The third smallest of two columns of three: the lowest three are n of one and 3 - n of the other.
+uint8_t third_of_two_columns(const uint8_t* above, const uint8_t* middle, const uint8_t* below) {
+  Columns columns;
+  sort_threes(above, middle, below, columns, 2);
+  return std::min(std::min(columns.high[0], columns.high[1]),
+                  std::min(std::max(columns.middle[0], columns.low[1]), std::max(columns.low[0], columns.middle[1])));
+}
+
+// The second smallest of 2 x 2 pixels, in the same way.
+uint8_t second_of_four(const uint8_t* upper, const uint8_t* lower) {
+  return std::min(std::max(std::min(upper[0], lower[0]), std::min(upper[1], lower[1])),
+                  std::min(std::max(upper[0], lower[0]), std::max(upper[1], lower[1])));
+}
+
+void filter_inner_row(const uint8_t* middle, uint8_t* output, int32_t width) {
+  const uint8_t* const above = middle - width;
+  const uint8_t* const below = middle + width;
+  output[0] = third_of_two_columns(above, middle, below);
+  for (int32_t x = 0; x < width - 2; x += kStrip) {
+    Columns columns;
+    const int32_t count = std::min(kStrip, width - 2 - x);
+    sort_threes(above + x, middle + x, below + x, columns, count + 2);
+    fifth_of_nine(columns, output + x + 1, count);
+  }
+  const int32_t last = width - 2;
+  output[width - 1] = third_of_two_columns(above + last, middle + last, below + last);
+}
+
+// The first or the last row, from the two rows there.
+void filter_border_row(const uint8_t* upper, const uint8_t* lower, uint8_t* output, int32_t width) {
+  output[0] = second_of_four(upper, lower);
+  for (int32_t x = 0; x < width - 2; x += kStrip) {
+    Columns columns;
+    const int32_t count = std::min(kStrip, width - 2 - x);
+    sort_pairs(upper + x, lower + x, columns, count + 2);
+    third_of_six(columns, output + x + 1, count);
+  }
+  output[width - 1] = second_of_four(upper + width - 2, lower + width - 2);
+}
+
+// An image of one row or one column: three neighbours at most, two at the ends.
+void filter_line(const uint8_t* source, uint8_t* output, int32_t count) {
+  output[0] = count > 1 ? std::min(source[0], source[1]) : source[0];
+  for (int32_t i = 1; i < count - 1; i++) output[i] = median3(source[i - 1], source[i], source[i + 1]);
+  if (count > 1) output[count - 1] = std::min(source[count - 2], source[count - 1]);
+}
+
+void filter(const uint8_t* source, uint8_t* output, int32_t width, int32_t height) {
+  if (width == 1 || height == 1) {
+    filter_line(source, output, std::max(width, height));
+    return;
+  }
+  filter_border_row(source, source + width, output, width);
+  for (int32_t y = 1; y < height - 1; y++) {
+    const ptrdiff_t row = static_cast<ptrdiff_t>(y) * width;
+    filter_inner_row(source + row, output + row, width);
+  }
+  const ptrdiff_t last = static_cast<ptrdiff_t>(height - 1) * width;
+  filter_border_row(source + last - width, source + last, output + last, width);
+}
+
+}  // namespace
+
+void MedianFilter(const uint8_t* source, uint8_t* destination, int32_t width, int32_t height) {
+  const uint64_t pixels = quo::pixel_count(width, height);
+  if (pixels == 0) return;
+  quo::Scratch<uint8_t> copy;
+  if (source == destination) {
+    if (!copy.allocate(pixels)) return;
+    quo_memcpy(copy.get(), source, static_cast<uint32_t>(pixels));
+    source = copy.get();
+  }
+  filter(source, destination, width, height);
+}

@@ -1,0 +1,62 @@
+#include "toolbox/cases.h"
+
+using namespace quo_test;
+
+namespace {
+
+void expect_stretched(const Image& image, int32_t window_width, int32_t window_height, Guard guard) {
+  Guarded source(image.pixels, guard), output(image.pixels.size(), guard, 99);
+  source.make_read_only();
+  Image expected(image.width, image.height, 99);
+  const int32_t half_width = (std::max(window_width, 1) - 1) / 2, half_height = (std::max(window_height, 1) - 1) / 2;
+  const uint32_t count = reference::stretch_area(image, expected, half_width, half_height);
+  ASSERT_EQ(AreaGrayStretch(source.data(), output.data(), image.width, image.height, window_width, window_height),
+            count)
+      << size_text(image) << ", window " << window_width << " x " << window_height;
+  ASSERT_TRUE(output.equals(expected.pixels))
+      << size_text(image) << ", window " << window_width << " x " << window_height;
+}
+
+}  // namespace
+
+TEST(AreaGrayStretch, EqualsItsLiteralFormForSmallSizesAndSensorSizes) {
+  for_each_frame(86, 16, [](const Image& image, Random& random, Guard guard) {
+    const int32_t window_width = random.between(-1, 19);
+    expect_stretched(image, window_width, random.between(-1, 19), guard);
+  });
+}
+
+// Windows whose mean difference from the pixel is 1 exactly, or a hair to either side.
+TEST(AreaGrayStretch, DecidesFlatWindowsExactly) {
+  Random random(87);
+  for (int round = 0; round < 200; round++) {
+    const int32_t base = random.between(1, 251);
+    const auto spread = static_cast<uint32_t>(random.between(1, 50));
+    const Image image(23, 19,
+                      [&](int32_t, int32_t) { return base + (random.chance(spread) ? random.between(0, 3) : 1); });
+    expect_stretched(image, random.between(1, 9), 7, Guard::kAfter);
+  }
+}
+
+TEST(AreaGrayStretch, LeavesBackgroundOutOfWindowsAndBlackPixelsUnwritten) {
+  const Image row(5, 1, {100, 102, 110, 120, 255});
+  Image output(5, 1, 9);
+  EXPECT_EQ(AreaGrayStretch(row.data(), output.data(), 5, 1, 3, 1), 3U);
+  EXPECT_EQ(output, Image(5, 1, {100, 50, 112, 254, 255}));
+  const Image black(5, 1, {0, 100, 101, 100, 0});
+  output = Image(5, 1, 9);
+  EXPECT_EQ(AreaGrayStretch(black.data(), output.data(), 5, 1, 3, 1), 2U);
+  EXPECT_EQ(output, Image(5, 1, {9, 251, 101, 251, 9}));
+}
+
+TEST(AreaGrayStretch, TakesWindowsBeyondTheImageAndCopiesBeyond16Bits) {
+  Random random(88);
+  const Image image = generate(random, 20, 12, Fill::kNoise);
+  for (const int32_t window : {999, 65535, 65536}) expect_stretched(image, window, window, Guard::kAfter);
+  Image expected(20, 12, 99), output = expected;
+  EXPECT_EQ(AreaGrayStretch(image.data(), output.data(), 20, 12, 3, 65537), 0U);
+  for (size_t i = 0; i < image.pixels.size(); i++) {
+    if (image.pixels[i] > 0) expected.pixels[i] = image.pixels[i];
+  }
+  EXPECT_EQ(output, expected);
+}
