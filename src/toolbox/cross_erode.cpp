@@ -48,9 +48,9 @@ void add_to(uint8_t* __restrict output, const uint8_t* __restrict survivors, int
 // Erodes the columns of a row from `first` to `end`, not included. `output` may be null. Returns how many stay.
 uint32_t erode_row(const Rows& rows, uint8_t* output, int32_t first, int32_t end, int32_t width) {
   uint32_t set = 0;
-  for (int32_t x = first; x < end; x += kStrip) {
+  for (int32_t x = first, count = 0; x < end; x += count) {
     uint8_t survivors[kStrip];
-    const int32_t count = std::min(kStrip, end - x);
+    count = std::min(kStrip, end - x);
     const int32_t skipped = x == 0 ? 1 : 0;
     const int32_t inner_end = std::min(x + count, width - 1);
     if (skipped > 0) find_edge_survivor(rows, 0, width, survivors);
@@ -62,17 +62,22 @@ uint32_t erode_row(const Rows& rows, uint8_t* output, int32_t first, int32_t end
   return set;
 }
 
+uint32_t erode(const uint8_t* mask, uint8_t* output, int32_t width, int32_t height, int32_t border) {
+  if (width < 1 || height < 1) return 0;
+  uint32_t set = 0;
+  for (int32_t y = border; y < height - border; y++) {
+    const ptrdiff_t row = static_cast<ptrdiff_t>(y) * width;
+    const uint8_t* const middle = mask + row;
+    const Rows rows{y > 0 ? middle - width : middle, middle, y < height - 1 ? middle + width : middle};
+    set += erode_row(rows, output != nullptr ? output + row : nullptr, border, width - border, width);
+  }
+  return set;
+}
+
 }  // namespace
 
 void MyCrossErode(const uint8_t* mask, uint8_t* output, int32_t width, int32_t height, int32_t border,
                   uint32_t* count) {
-  border = std::max(border, 0);
-  uint32_t set = 0;
-  for (int32_t y = border; y < height - border; y++) {
-    const uint8_t* const middle = mask + static_cast<ptrdiff_t>(y) * width;
-    const Rows rows{y > 0 ? middle - width : middle, middle, y < height - 1 ? middle + width : middle};
-    set += erode_row(rows, output != nullptr ? output + static_cast<ptrdiff_t>(y) * width : nullptr, border,
-                     width - border, width);
-  }
+  const uint32_t set = erode(mask, output, width, height, std::max(border, 0));
   if (count != nullptr) *count = set;
 }

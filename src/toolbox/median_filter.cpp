@@ -76,9 +76,9 @@ void filter_inner_row(const uint8_t* middle, uint8_t* output, int32_t width) {
   const uint8_t* const above = middle - width;
   const uint8_t* const below = middle + width;
   output[0] = third_of_two_columns(above, middle, below);
-  for (int32_t x = 0; x < width - 2; x += kStrip) {
+  for (int32_t x = 0, count = 0; x < width - 2; x += count) {
     Columns columns;
-    const int32_t count = std::min(kStrip, width - 2 - x);
+    count = std::min(kStrip, width - 2 - x);
     sort_threes(above + x, middle + x, below + x, columns, count + 2);
     fifth_of_nine(columns, output + x + 1, count);
   }
@@ -89,9 +89,9 @@ void filter_inner_row(const uint8_t* middle, uint8_t* output, int32_t width) {
 // The first or the last row, from the two rows there.
 void filter_border_row(const uint8_t* upper, const uint8_t* lower, uint8_t* output, int32_t width) {
   output[0] = second_of_four(upper, lower);
-  for (int32_t x = 0; x < width - 2; x += kStrip) {
+  for (int32_t x = 0, count = 0; x < width - 2; x += count) {
     Columns columns;
-    const int32_t count = std::min(kStrip, width - 2 - x);
+    count = std::min(kStrip, width - 2 - x);
     sort_pairs(upper + x, lower + x, columns, count + 2);
     third_of_six(columns, output + x + 1, count);
   }

@@ -83,6 +83,7 @@ void filter(const uint8_t* __restrict image, uint8_t* __restrict filtered, const
 uint32_t OrientEnhance(uint8_t* image, const uint8_t* directions, int32_t width, int32_t height) {
   quo::Scratch<uint8_t> averaged;
   if (!averaged.allocate(quo::pixel_count(width, height))) return 0;
+  if (width < 1 || height < 1) return 1;
   const Field field{directions, width, height};
   filter<kAlong>(image, averaged.get(), field, 0);
   filter<kAcross>(averaged.get(), image, field, kQuarterTurn);

@@ -43,8 +43,13 @@ TEST(MyCrossErode, CountsAcrossStripsOfAWideMask) {
 
 TEST(MyCrossErode, ClearsTheCountWhenThereIsNothingToTest) {
   const Image mask(4, 4, 255);
-  for (const auto& [width, height, border] :
-       {std::array{4, 4, 2}, {4, 4, INT32_MAX}, {0, 4, 0}, {4, 0, 0}, {-4, -4, 0}, {4, INT32_MIN, 0}}) {
+  for (const auto& [width, height, border] : {std::array{4, 4, 2},
+                                              {4, 4, INT32_MAX},
+                                              {0, 4, 0},
+                                              {4, 0, 0},
+                                              {-4, -4, 0},
+                                              {INT32_MIN, 4, 1},
+                                              {4, INT32_MIN, INT32_MAX}}) {
     uint32_t count = 5;
     MyCrossErode(mask.data(), nullptr, width, height, border, &count);
     EXPECT_EQ(count, 0U) << width << " x " << height << ", border " << border;
