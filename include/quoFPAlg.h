@@ -1060,7 +1060,7 @@ QUO_API uint32_t FP_ChooseBestHist(const uint8_t *const *frames, uint8_t count, 
  *  Class k stands for 15 * k degrees, from the direction of increasing x towards that of increasing y. Site 3 is
  *  (0, 0); three lie on each side of it, at most 3 pixels away, and site 6 - i is site i mirrored.
  */
-extern QUO_API const int32_t g_DDSite[12][7][2];
+QUO_API extern const int32_t g_DDSite[12][7][2];
 
 /** Direction class of an angle.
  *
