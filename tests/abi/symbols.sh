@@ -16,6 +16,9 @@ listed=$(sed -nE 's/^(hook|function|data) //p' "$exports" | sort)
 exported=$("$nm" -D --defined-only "$library" | awk '{print $NF}' | sort)
 refuse 'exported names differ from the list (< listed, > exported)' "$(diff <(echo "$listed") <(echo "$exported"))"
 refuse 'a name is listed twice' "$(echo "$listed" | uniq -d)"
+functions=$(grep -cE '^(hook|function) ' "$exports")
+tables=$(sed -n 's/^data //p' "$exports")
+[ "$functions $tables" = '75 g_DDSite' ] || fail "the interface is 75 functions and g_DDSite, not $functions and $tables"
 
 # The hooks' own functions, fused multiply-adds where the baseline processor has none, and start-up code.
 allowed='malloc|free|atan2|fma|fmaf|__cxa_finalize|__gmon_start__|_ITM_(de)?registerTMCloneTable|__stack_chk_fail'

@@ -14,5 +14,6 @@ extern const std::vector<Function> kDefectFunctions;
 extern const std::vector<Function> kSpTemplateFunctions;
 extern const std::vector<Function> kSignalFunctions;
 extern const std::vector<Function> kCalibrationFunctions;
+extern const std::vector<Function> kToolboxFunctions;
 
 }  // namespace golden

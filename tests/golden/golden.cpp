@@ -145,7 +145,7 @@ uint64_t Case::finish() {
 std::vector<Function> functions() {
   std::vector<Function> result;
   for (const auto* list : {&kFrameFunctions, &kPreprocFunctions, &kQualityFunctions, &kDefectFunctions,
-                           &kSpTemplateFunctions, &kSignalFunctions, &kCalibrationFunctions}) {
+                           &kSpTemplateFunctions, &kSignalFunctions, &kCalibrationFunctions, &kToolboxFunctions}) {
     result.insert(result.end(), list->begin(), list->end());
   }
   return result;
