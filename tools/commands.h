@@ -16,6 +16,7 @@ void add_preprocess(Commands& commands);
 // Image quality and orientation
 
 // Sensor defect inspection
+void add_defects(Commands& commands);
 
 // Sp templates
 void add_match(Commands& commands);

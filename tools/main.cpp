@@ -21,6 +21,7 @@ constexpr void (*kCommands[])(Commands&) = {
     // Image quality and orientation
 
     // Sensor defect inspection
+    add_defects,
 
     // Sp templates
     add_template, add_show, add_match,

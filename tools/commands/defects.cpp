@@ -1,0 +1,155 @@
+// quofp defects: what is broken on a sensor, how much of it an allowance covers, and frames with the lines repaired.
+#include <algorithm>
+#include <iostream>
+#include <optional>
+#include <vector>
+
+#include "canvas.h"
+#include "commands.h"
+#include "inputs.h"
+#include "owned.h"
+#include "quoFPAlg.h"
+#include "table.h"
+
+namespace quofp {
+namespace {
+
+struct Options {
+  Inputs inputs;
+  int32_t allowance = 0;
+  Output marks;
+  Output repaired;
+  Format format = Format::kTable;
+};
+
+void define(CLI::App& command, Options& options) {
+  add_inputs(command, options.inputs);
+  add_number_option(command, "--allowance", options.allowance, 0, static_cast<int32_t>(kMaxPixels),
+                    "largest number of defect pixels with which a frame passes");
+  command.add_option("--mark", options.marks.path, "picture of the defects, PNG, or a folder for several")
+      ->type_name("PATH");
+  command
+      .add_option("--repair", options.repaired.path,
+                  "the frame with repaired lines if it passes (.png, .pgm or .raw), or a folder for several")
+      ->type_name("PATH");
+  add_format_option(command, options.format);
+}
+
+struct Defects {
+  uint8_t background = 255;
+  uint32_t pixels = 0;       // of all kinds
+  uint32_t line_pixels = 0;  // of columns and rows
+  Owned<uint8_t> columns;    // 1 where broken
+  Owned<uint8_t> rows;
+  Owned<uint8_t> marks;  // of all kinds
+};
+
+// The level against which the library judges a frame: the background of the half-size one.
+uint8_t reference_level(const Frame& frame) {
+  const int32_t width = frame.width / 2, height = frame.height / 2;
+  std::vector<uint8_t> half(static_cast<size_t>(width) * static_cast<size_t>(height));
+  ZoomImg(frame.data(), half.data(), frame.width, frame.height, 0);
+  uint8_t background = 255;
+  FindBgValue(half.data(), width, height, &background);
+  return background;
+}
+
+Defects find_defects(const Frame& frame) {
+  Defects found;
+  found.background = reference_level(frame);
+  uint8_t *marks = nullptr, *columns = nullptr, *rows = nullptr;
+  uint32_t column_pixels = 0, row_pixels = 0;
+  uint32_t result = FP_GetBadPixelsNum(frame.data(), frame.width, frame.height, &found.pixels, &marks);
+  found.marks.reset(marks);
+  check_result(frame.name, "FP_GetBadPixelsNum", result);
+  result = CheckBadLine(frame.data(), frame.width, frame.height, found.background, &column_pixels, &row_pixels,
+                        &columns, &rows);
+  found.columns.reset(columns);
+  found.rows.reset(rows);
+  check_result(frame.name, "CheckBadLine", result);
+  found.line_pixels = column_pixels + row_pixels;
+  return found;
+}
+
+// Runs the check, which repairs the lines of a frame that passes.
+bool passes(Frame& frame, int32_t allowance) {
+  uint8_t fail = 0;
+  check_result(frame.name, "FP_CheckBadPixelsNum",
+               FP_CheckBadPixelsNum(frame.data(), frame.width, frame.height, allowance, &fail));
+  return fail == 0;
+}
+
+// Lines let what lies under them show; bad pixels are small and solid.
+Canvas draw_defects(const Frame& frame, const Defects& defects) {
+  std::vector<uint8_t> lines(frame.pixels.size()), pixels(frame.pixels.size());
+  for (size_t i = 0; i < lines.size(); i++) {
+    const size_t x = i % static_cast<size_t>(frame.width), y = i / static_cast<size_t>(frame.width);
+    lines[i] = defects.columns[x] | defects.rows[y];
+    pixels[i] = lines[i] == 0 ? defects.marks[i] : 0;
+  }
+  const int zoom = fitting_zoom(frame.width, frame.height);
+  Canvas canvas(frame, zoom);
+  canvas.draw_marks(lines, frame.width, frame.height, 0, 0, zoom, colours::kBlue.with_opacity(0.6));
+  canvas.draw_marks(pixels, frame.width, frame.height, 0, 0, zoom, colours::kRed);
+  return canvas;
+}
+
+int64_t count_lines(const Owned<uint8_t>& marks, int32_t lines) {
+  return std::count(marks.get(), marks.get() + lines, uint8_t{1});
+}
+
+std::optional<Outputs> outputs_of(const Options& options, const Output& output) {
+  if (output.path.empty()) return std::nullopt;
+  return Outputs(options.inputs, output);
+}
+
+Exit run(const Options& options) {
+  if (!options.marks.path.empty() && options.marks.path == options.repaired.path) {
+    throw usage_failure("--mark and --repair need two places");
+  }
+  const std::optional<Outputs> marks = outputs_of(options, options.marks);
+  const std::optional<Outputs> repaired = outputs_of(options, options.repaired);
+  Table table({{"file"},
+               {"background"},
+               {"bad_columns"},
+               {"bad_rows"},
+               {"line_pixels"},
+               {"bad_pixels"},
+               {"allowance"},
+               {"pass"},
+               {"repaired"}});
+  const Exit exit = for_each_frame(options.inputs, [&](Frame& frame) {
+    const Defects defects = find_defects(frame);
+    if (marks) draw_defects(frame, defects).save(marks->path_for(frame.name));
+    const bool pass = passes(frame, options.allowance);
+    std::optional<std::string> written;
+    if (repaired && pass) write_frame(written.emplace(repaired->path_for(frame.name)), frame);
+    table.add({frame.name, defects.background, count_lines(defects.columns, frame.width),
+               count_lines(defects.rows, frame.height), defects.line_pixels, defects.pixels - defects.line_pixels,
+               options.allowance, pass, optional_cell(written)});
+    return pass ? Exit::kDone : Exit::kRefused;
+  });
+  table.print(std::cout, options.format);
+  return exit;
+}
+
+}  // namespace
+
+void add_defects(Commands& commands) {
+  commands.add<Options>(
+      {.name = "defects",
+       .summary = "Broken columns, rows and pixels of a sensor: counts, verdict, picture, repair",
+       .examples = {"quofp defects frame.png --mark marks.png",
+                    "quofp defects frame.png --allowance 400 --repair repaired.png",
+                    "quofp defects lot/*.png --allowance 200 --format csv    # exit code 1 when one of them fails"},
+       .details =
+           "Columns: background, the gray that the frame is judged against, 255 when no corner looks like\n"
+           "background; bad_columns and bad_rows, their number; line_pixels, the pixels on them, one on both counted\n"
+           "twice; bad_pixels, four for each dark pixel of a cluster in the half-size frame; pass, whether "
+           "line_pixels\n"
+           "and bad_pixels each stay within the allowance; repaired, the file written. A dash stands where none was.\n"
+           "A frame that fails is not repaired. In the picture broken lines are blue, bad pixels orange."},
+      define, run);
+}
+
+}  // namespace quofp
