@@ -1,15 +1,47 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "frame/gray.h"
 #include "frame/scratch.h"
-#include "preproc/column_stripes.h"
+#include "preproc/column_counts.h"
+#include "preproc/stripe_correction.h"
 
 namespace {
 
 constexpr uint8_t kFingerLimit = 234;  // pixels above are background or saturated
+constexpr int32_t kStrip = 1024;       // columns whose pixels are counted together
 constexpr int32_t kReach = 4;          // neighbours of a column on either side
 constexpr int32_t kNeighboursShift = 3;
 static_assert(2 * kReach == 1 << kNeighboursShift);
+
+// Means of the finger pixels of some columns, kWhite for a column without one. The sums are modulo 2^32.
+void take_strip_means(const uint8_t* image, int32_t width, int32_t columns, int32_t height, uint32_t* sums,
+                      uint8_t* partial_counts, uint8_t* means) {
+  uint16_t partial_sums[kStrip];
+  uint32_t counts[kStrip];
+  for (int32_t x = 0; x < columns; x++) sums[x] = counts[x] = 0;
+  for (int32_t y = 0; y < height;) {
+    const int32_t rows = std::min(quo::kPartialRows, height - y);
+    const uint8_t* const top = image + static_cast<ptrdiff_t>(y) * width;
+    quo::count_columns(top, width, columns, rows, kFingerLimit, partial_sums, partial_counts);
+    for (int32_t x = 0; x < columns; x++) {
+      sums[x] += partial_sums[x];
+      counts[x] += partial_counts[x];
+    }
+    y += rows;
+  }
+  for (int32_t x = 0; x < columns; x++) {
+    means[x] = counts[x] != 0 ? static_cast<uint8_t>(sums[x] / counts[x]) : quo::kWhite;
+  }
+}
+
+void take_means(const uint8_t* image, int32_t width, int32_t height, uint32_t* sums, uint8_t* counts, uint8_t* means) {
+  for (int32_t x = 0; x < width;) {
+    const int32_t columns = std::min(kStrip, width - x);
+    take_strip_means(image + x, width, columns, height, sums + x, counts + x, means + x);
+    x += columns;
+  }
+}
 
 // At most 255 * width: 32 bits hold it for 2^24 columns, and differences of nine columns beyond.
 void sum_up(const uint8_t* means, uint32_t* run, int32_t width) {
@@ -29,7 +61,7 @@ void find_offsets(const uint8_t* means, const uint32_t* run, int16_t* offsets, i
 
 void correct_row(uint8_t* __restrict row, const int16_t* __restrict offsets, int32_t width) {
   for (int32_t x = 0; x < width; x++) {
-    const uint8_t corrected = quo::correct_pixel(row[x], offsets[x]);
+    const uint8_t corrected = quo::take_offset_off(row[x], offsets[x]);
     row[x] = row[x] <= kFingerLimit ? corrected : row[x];
   }
 }
@@ -57,7 +89,7 @@ uint8_t RemoveVerticalStripes_All(const uint8_t* source, uint8_t* destination, i
   quo::Scratch<uint8_t> means;
   quo::Scratch<int16_t> offsets;
   if (!sums.allocate(entries) || !counts.allocate(entries) || !means.allocate(entries)) return 0;
-  quo::column_means(source, columns, columns, height, kFingerLimit, sums.get(), counts.get(), means.get());
+  take_means(source, columns, height, sums.get(), counts.get(), means.get());
   counts.reset();
 
   sum_up(means.get(), sums.get(), columns);

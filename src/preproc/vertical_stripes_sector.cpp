@@ -3,46 +3,80 @@
 
 #include "frame/gray.h"
 #include "frame/scratch.h"
-#include "preproc/column_stripes.h"
+#include "preproc/column_counts.h"
+#include "preproc/stripe_correction.h"
 
 namespace {
 
-constexpr int32_t kSector = 16;                     // columns
-constexpr int32_t kMeans = 4;                       // first columns of a sector whose means are taken
-constexpr uint8_t kCountedLimit = quo::kWhite - 1;  // white pixels are neither counted nor changed
-static_assert(quo::kColumnStrip % kSector == 0);
+constexpr int32_t kSector = 16;         // columns
+constexpr int32_t kMeasured = 4;        // first columns of a sector, whose means are taken
+constexpr int32_t kStripSectors = 64;   // sectors whose pixels are counted together
+constexpr int32_t kBandRows = 32;       // rows that are corrected together
+constexpr uint8_t kCountedLimit = 254;  // white pixels are neither counted nor changed
 
 struct Means {
-  uint8_t column[kMeans];
+  uint8_t column[kMeasured];  // kWhite for a column without a counted pixel
 };
 
-// Means of the first columns of each sector, by whole strips of columns: the other columns of a sector cost nothing
-// that vector registers would not spend anyway.
-void sector_means(const uint8_t* image, int32_t width, int32_t height, Means* means, int32_t sectors) {
-  constexpr int32_t kStripSectors = quo::kColumnStrip / kSector;
-  uint32_t sums[quo::kColumnStrip];
-  uint8_t counts[quo::kColumnStrip];
-  uint8_t columns[quo::kColumnStrip];
-  for (int32_t first = 0; first < sectors; first += kStripSectors) {
-    const int32_t count = std::min(kStripSectors, sectors - first);
-    quo::column_means(image + first * kSector, width, count * kSector, height, kCountedLimit, sums, counts, columns);
-    for (int32_t s = 0; s < count; s++) {
-      for (int32_t j = 0; j < kMeans; j++) means[first + s].column[j] = columns[s * kSector + j];
+// The pixels of all columns are counted: a vector of a few columns costs no less than one of a whole sector.
+void take_strip_means(const uint8_t* image, int32_t width, int32_t height, Means* means, int32_t sectors) {
+  uint16_t partial_sums[kStripSectors * kSector];
+  uint8_t partial_counts[kStripSectors * kSector];
+  uint64_t sums[kStripSectors][kMeasured] = {};
+  uint32_t counts[kStripSectors][kMeasured] = {};
+  for (int32_t y = 0; y < height;) {
+    const int32_t rows = std::min(quo::kPartialRows, height - y);
+    const uint8_t* const top = image + static_cast<ptrdiff_t>(y) * width;
+    quo::count_columns(top, width, sectors * kSector, rows, kCountedLimit, partial_sums, partial_counts);
+    for (int32_t s = 0; s < sectors; s++) {
+      for (int32_t j = 0; j < kMeasured; j++) {
+        sums[s][j] += partial_sums[s * kSector + j];
+        counts[s][j] += partial_counts[s * kSector + j];
+      }
+    }
+    y += rows;
+  }
+  for (int32_t s = 0; s < sectors; s++) {
+    for (int32_t j = 0; j < kMeasured; j++) {
+      means[s].column[j] = counts[s][j] != 0 ? static_cast<uint8_t>(sums[s][j] / counts[s][j]) : quo::kWhite;
     }
   }
 }
 
-// Offset of column j of a sector from the mean of itself and its two neighbours.
-int16_t column_offset(const Means& means, int32_t j) {
+void take_means(const uint8_t* image, int32_t width, int32_t height, Means* means, int32_t sectors) {
+  for (int32_t s = 0; s < sectors;) {
+    const int32_t strip = std::min(kStripSectors, sectors - s);
+    take_strip_means(image + s * kSector, width, height, means + s, strip);
+    s += strip;
+  }
+}
+
+// Offset of a column from the mean of itself and its two neighbours.
+int16_t offset_of(const Means& means, int32_t j) {
   return static_cast<int16_t>(means.column[j] - (means.column[j - 1] + means.column[j] + means.column[j + 1]) / 3);
 }
 
-void correct_column(const uint8_t* source, uint8_t* destination, int32_t width, int32_t height, int16_t offset) {
+void correct_column(const uint8_t* source, uint8_t* destination, int32_t width, int32_t rows, int16_t offset) {
   if (offset == 0) return;
-  for (int32_t y = 0; y < height; y++) {
-    *destination = *source <= kCountedLimit ? quo::correct_pixel(*source, offset) : *source;
-    source += width;
-    destination += width;
+  for (int32_t y = 0; y < rows; y++) {
+    const ptrdiff_t i = static_cast<ptrdiff_t>(y) * width;
+    destination[i] = source[i] <= kCountedLimit ? quo::take_offset_off(source[i], offset) : source[i];
+  }
+}
+
+// Corrects columns over few rows at a time, which stay in the cache from one column to the next.
+void correct(const uint8_t* source, uint8_t* destination, int32_t width, int32_t height, const Means* means,
+             int32_t sectors) {
+  for (int32_t y = 0; y < height;) {
+    const int32_t rows = std::min(kBandRows, height - y);
+    const ptrdiff_t band = static_cast<ptrdiff_t>(y) * width;
+    for (int32_t s = 0; s < sectors; s++) {
+      for (const int32_t j : {1, 2}) {
+        const ptrdiff_t top = band + s * kSector + j;
+        correct_column(source + top, destination + top, width, rows, offset_of(means[s], j));
+      }
+    }
+    y += rows;
   }
 }
 
@@ -52,12 +86,7 @@ uint8_t RemoveVerticalStripes_Sector(const uint8_t* source, uint8_t* destination
   const int32_t sectors = std::max(width, 0) / kSector;
   quo::Scratch<Means> means;
   if (!means.allocate(static_cast<uint32_t>(sectors))) return 0;
-  sector_means(source, width, height, means.get(), sectors);
-  for (int32_t s = 0; s < sectors; s++) {
-    for (const int32_t j : {1, 2}) {
-      const int32_t x = s * kSector + j;
-      correct_column(source + x, destination + x, width, height, column_offset(means[static_cast<size_t>(s)], j));
-    }
-  }
+  take_means(source, width, height, means.get(), sectors);
+  correct(source, destination, width, height, means.get(), sectors);
   return 1;
 }
