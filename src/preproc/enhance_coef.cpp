@@ -18,11 +18,11 @@ static_assert(kPartial * (kFingerLevels - 1) <= UINT16_MAX);
 
 Finger count_finger(const uint8_t* pixels, int32_t count) {
   Finger finger;
-  for (int32_t first = 0; first < count; first += std::min(kPartial, count - first)) {
-    const int32_t end = first + std::min(kPartial, count - first);
+  for (int32_t i = 0; i < count;) {
+    const int32_t end = i + std::min(kPartial, count - i);
     uint16_t counted = 0;
     uint16_t sum = 0;
-    for (int32_t i = first; i < end; i++) {
+    for (; i < end; i++) {
       const bool is_finger = pixels[i] < kFingerLevels;
       counted = static_cast<uint16_t>(counted + (is_finger ? 1 : 0));
       sum = static_cast<uint16_t>(sum + (is_finger ? pixels[i] : 0));
@@ -36,10 +36,10 @@ Finger count_finger(const uint8_t* pixels, int32_t count) {
 // Sum, modulo 2^32, of the distances of the finger pixels from their mean.
 uint32_t total_deviation(const uint8_t* pixels, int32_t count, uint8_t mean) {
   uint32_t total = 0;
-  for (int32_t first = 0; first < count; first += std::min(kPartial, count - first)) {
-    const int32_t end = first + std::min(kPartial, count - first);
+  for (int32_t i = 0; i < count;) {
+    const int32_t end = i + std::min(kPartial, count - i);
     uint16_t sum = 0;
-    for (int32_t i = first; i < end; i++) {
+    for (; i < end; i++) {
       const uint8_t value = pixels[i] < kFingerLevels ? pixels[i] : mean;
       const uint8_t larger = value > mean ? value : mean;
       const uint8_t smaller = value > mean ? mean : value;

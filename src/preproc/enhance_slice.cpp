@@ -25,7 +25,7 @@ class SlicedBalance {
       copy(parked_.get(), row(first - kContext));
       copy(row(first - kContext), saved_.get());
     }
-    if (below > 0) copy(saved_.get(), row(last - kContext));
+    copy(saved_.get(), row(last - kContext));
     const int32_t rows = above + (last - first) + below;
     const uint8_t result =
         LocalGrayBalance_Slice(row(first - above), width_, rows, kRadius, static_cast<uint32_t>(rows), gain_,

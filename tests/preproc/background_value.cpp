@@ -42,6 +42,23 @@ TEST(FindBgValue, TakesFlatBrightPatchesOnly) {
   }
 }
 
+// Deviations whose squares add up to 64 * 50: a variance of exactly 50 with a sum of 0, a hair less with a sum of 2.
+TEST(FindBgValue, TakesVariancesBelowFiftyOnly) {
+  const auto patched = [](bool balanced) {
+    return Image(20, 20, [=](int32_t x, int32_t y) {
+      const int32_t i = (y % 10 - (y < 10 ? 2 : 0)) * 8 + x % 10 - (x < 10 ? 2 : 0);
+      if (i < 16) return 210;
+      if (i < 31) return 190;
+      const int rest[] = {191, 204, 199, 199, 199};
+      return i >= 36 ? 200 : !balanced ? rest[i - 31] : i == 31 ? 190 : 200;
+    });
+  };
+  uint8_t bg = 7;
+  EXPECT_EQ(FindBgValue(patched(true).data(), 20, 20, &bg), 0);
+  EXPECT_EQ(FindBgValue(patched(false).data(), 20, 20, &bg), 1);
+  EXPECT_EQ(bg, 186);
+}
+
 // Patches whose mean and variance lie around the limits, in frames of every small size: patches overlap below 20.
 TEST(FindBgValue, EqualsTheLiteralFormAroundEveryLimit) {
   Random random(21);

@@ -36,13 +36,6 @@ TEST(FP_GetBlockValidArea, MeasuresEachQuarterThatIsAskedFor) {
   }
 }
 
-TEST(FP_GetBlockValidArea, ReportsWhiteForEmptyQuarters) {
-  const Image frame(64, 64, [](int32_t x, int32_t) { return x < 32 ? 80 : 200; });
-  uint8_t means[4];
-  EXPECT_EQ(FP_GetBlockValidArea(frame.data(), 64, 64, &means[0], &means[1], &means[2], &means[3]), QUO_OK);
-  EXPECT_THAT(means, ElementsAre(80, 255, 80, 255));
-}
-
 TEST(FP_GetBlockValidArea, TakesOneQuarterOfMemory) {
   const Image frame(33, 21, 100);
   uint8_t mean = 1;
