@@ -24,8 +24,12 @@ void add_show(Commands& commands);
 void add_template(Commands& commands);
 
 // Signal analysis
+void add_bubbles(Commands& commands);
+void add_snr(Commands& commands);
 
 // Sensor calibration
+void add_best(Commands& commands);
+void add_gain(Commands& commands);
 
 // Image operator toolbox
 

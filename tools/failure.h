@@ -39,6 +39,9 @@ Failure file_failure(const std::string& file, const std::string& reason);
  *  means something else for this function. */
 Failure refusal(const std::string& file, std::string_view function, uint32_t code, std::string_view meaning = {});
 
+/** What QUO_NO_MEMORY most likely means where the library measures blocks of 16 x 16 pixels. */
+inline constexpr std::string_view kNoBlock = "the frame is below 16 x 16 pixels, or a buffer could not be allocated";
+
 /** The general meaning of a result code of the library, in words. */
 std::string_view result_meaning(uint32_t code);
 

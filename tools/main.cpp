@@ -27,8 +27,10 @@ constexpr void (*kCommands[])(Commands&) = {
     add_template, add_show, add_match,
 
     // Signal analysis
+    add_snr, add_bubbles,
 
     // Sensor calibration
+    add_gain, add_best,
 
     // Image operator toolbox
 };

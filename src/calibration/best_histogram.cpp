@@ -1,15 +1,25 @@
 #include <algorithm>
+#include <cmath>
 
-#include "calibration/histogram_class.h"
 #include "frame/scratch.h"
 #include "quoFPAlg.h"
 
 namespace {
 
-using quo::HistogramClass;
-
 constexpr uint32_t kGrayLevels = 256;
 constexpr uint8_t kNone = 255;
+
+// Gray ranges: dark pixels below kLowFrom, low ones below kHighFrom, high ones below kUsableEnd. Brighter pixels take
+// part in nothing.
+constexpr uint32_t kLowFrom = 15;
+constexpr uint32_t kHighFrom = 128;
+constexpr uint32_t kUsableEnd = 200;
+
+constexpr uint32_t kTooFewPixels = 1000;   // in the three ranges; a frame needs more
+constexpr double kDarkShare = 25.0;        // percent of dark pixels above which a frame is dark
+constexpr double kWideDeviation = 15.0;    // from which on a frame is contrasted
+constexpr double kNarrowDeviation = 10.0;  // up to which a frame is flat
+constexpr double kLowShare = 10.0;         // percent of low pixels below which a flat frame is bright
 
 // Counts modulo 65536. Parts of the frame keep within what CalcHistogram can count.
 void count_grays(const uint8_t* frame, uint64_t pixels, uint16_t (&bins)[kGrayLevels]) {
@@ -22,6 +32,50 @@ void count_grays(const uint8_t* frame, uint64_t pixels, uint16_t (&bins)[kGrayLe
   }
 }
 
+// Figures of a frame's histogram. Shares and deviation are 0 when there are no low and high pixels.
+struct HistogramFigures {
+  uint32_t pixels = 0;        // in the three ranges
+  uint32_t usable = 0;        // low and high ones
+  double dark_share = 0;      // percent of the pixels
+  double low_share = 0;       // percent of the pixels
+  double mean_deviation = 0;  // mean absolute deviation of the low and high pixels from their mean
+};
+
+enum class HistogramClass { kUnclassified, kDark, kContrasted, kFlatBright, kFlatMid, kFlat };
+
+// The number of pixels of gray `from` to `end` - 1; 200 bins of 16 bits stay below 2^24.
+uint32_t count_pixels(const uint16_t* bins, uint32_t from, uint32_t end) {
+  uint32_t count = 0;
+  for (uint32_t gray = from; gray < end; gray++) count += bins[gray];
+  return count;
+}
+
+HistogramFigures histogram_figures(const uint16_t* bins) {
+  const uint32_t dark = count_pixels(bins, 0, kLowFrom), low = count_pixels(bins, kLowFrom, kHighFrom);
+  HistogramFigures figures;
+  figures.usable = low + count_pixels(bins, kHighFrom, kUsableEnd);
+  figures.pixels = dark + figures.usable;
+  if (figures.usable == 0) return figures;
+  figures.dark_share = 100.0 * dark / figures.pixels;
+  figures.low_share = 100.0 * low / figures.pixels;
+
+  uint32_t sum = 0;  // below 200 x 2^24
+  for (uint32_t gray = kLowFrom; gray < kUsableEnd; gray++) sum += gray * bins[gray];
+  const double mean = static_cast<double>(sum) / figures.usable;
+  double deviations = 0;
+  for (uint32_t gray = kLowFrom; gray < kUsableEnd; gray++) deviations += bins[gray] * std::fabs(gray - mean);
+  figures.mean_deviation = deviations / figures.usable;
+  return figures;
+}
+
+HistogramClass classify(const HistogramFigures& figures) {
+  if (figures.usable == 0 || figures.pixels <= kTooFewPixels) return HistogramClass::kUnclassified;
+  if (figures.dark_share > kDarkShare) return HistogramClass::kDark;
+  if (figures.mean_deviation >= kWideDeviation) return HistogramClass::kContrasted;
+  if (figures.low_share < kLowShare) return HistogramClass::kFlatBright;
+  return figures.mean_deviation > kNarrowDeviation ? HistogramClass::kFlatMid : HistogramClass::kFlat;
+}
+
 // What the frames seen so far offer to the choice.
 struct Candidates {
   double best_low_share = 0;  // of a contrasted frame; 0 when none is eligible
@@ -32,8 +86,8 @@ struct Candidates {
   uint32_t flat_bright = 0;
   uint32_t flat_mid = 0;
 
-  void add(uint8_t index, const quo::HistogramFigures& figures) {
-    switch (quo::classify(figures)) {
+  void add(uint8_t index, const HistogramFigures& figures) {
+    switch (classify(figures)) {
       case HistogramClass::kDark:
         dark++;
         last_dark = index;
@@ -76,7 +130,7 @@ uint32_t FP_ChooseBestHist(const uint8_t* const* frames, uint8_t count, int32_t 
     if (frames[i] == nullptr) continue;
     uint16_t bins[kGrayLevels];
     count_grays(frames[i], quo::pixel_count(width, height), bins);
-    candidates.add(i, quo::histogram_figures(bins));
+    candidates.add(i, histogram_figures(bins));
   }
   const uint8_t index = count > 0 ? candidates.choose(count) : kNone;
   if (count > 0 && index == kNone) return QUO_NO_CANDIDATE;

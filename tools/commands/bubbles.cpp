@@ -1,0 +1,82 @@
+// quofp bubbles: bright blobs above the finger's gray, and where they are.
+#include <iostream>
+
+#include "canvas.h"
+#include "commands.h"
+#include "inputs.h"
+#include "owned.h"
+#include "quoFPAlg.h"
+#include "table.h"
+
+namespace quofp {
+namespace {
+
+struct Options {
+  Inputs inputs;
+  Output output;
+  Format format = Format::kTable;
+};
+
+void define(CLI::App& command, Options& options) {
+  add_inputs(command, options.inputs);
+  add_output(command, options.output, "the frame with its bubbles marked, PNG, or a folder for several");
+  add_format_option(command, options.format);
+}
+
+struct Bubbles {
+  uint32_t pixels = 0;
+  Owned<uint8_t> image;  // none when no pixel is bright
+};
+
+Bubbles find_bubbles(const Frame& frame) {
+  Bubbles bubbles;
+  uint8_t* image = nullptr;
+  const uint32_t result = CreateBubbleImage(frame.data(), static_cast<uint32_t>(frame.width),
+                                            static_cast<uint32_t>(frame.height), &bubbles.pixels, &image);
+  bubbles.image.reset(image);
+  if (result == QUO_NO_MEMORY) throw refusal(frame.name, "CreateBubbleImage", result, kNoBlock);
+  check_result(frame.name, "CreateBubbleImage", result);
+  return bubbles;
+}
+
+Canvas draw_bubbles(const Frame& frame, const Bubbles& bubbles) {
+  const int zoom = fitting_zoom(frame.width, frame.height);
+  Canvas canvas(frame, zoom);
+  if (bubbles.image) {
+    canvas.draw_marks({bubbles.image.get(), frame.pixels.size()}, frame.width, frame.height, 0, 0, zoom,
+                      colours::kRed.with_opacity(0.7));
+  }
+  return canvas;
+}
+
+Exit run(const Options& options) {
+  const Outputs outputs(options.inputs, options.output);
+  Table table({{"file"}, {"bubble_pixels"}, {"percent"}, {"output"}});
+  const Exit exit = for_each_frame(options.inputs, [&](const Frame& frame) {
+    const Bubbles bubbles = find_bubbles(frame);
+    const std::string& output = outputs.path_for(frame.name);
+    draw_bubbles(frame, bubbles).save(output);
+    table.add({frame.name, bubbles.pixels, 100.0 * bubbles.pixels / static_cast<double>(frame.pixels.size()), output});
+    return Exit::kDone;
+  });
+  table.print(std::cout, options.format);
+  return exit;
+}
+
+}  // namespace
+
+void add_bubbles(Commands& commands) {
+  commands.add<Options>(
+      {.name = "bubbles",
+       .summary = "Bright blobs of frames: counts and picture",
+       .examples = {"quofp bubbles frame.png -o bubbles.png", "quofp bubbles lot/*.png -o bubbles/ --format csv"},
+       .details =
+           "Bubbles are pixels at least four standard deviations of a typical block above the mean gray, together\n"
+           "with all their neighbours. In the picture they are orange. The uncovered sensor is bright as well: look "
+           "at\n"
+           "frames that the finger fills.\n"
+           "Columns: bubble_pixels, their number; percent, their share of the frame; output, the picture."},
+      define, run);
+}
+
+}  // namespace quofp

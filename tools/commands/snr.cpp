@@ -1,0 +1,56 @@
+// quofp snr: signal and noise of frames.
+#include <iostream>
+
+#include "commands.h"
+#include "inputs.h"
+#include "quoFPAlg.h"
+#include "table.h"
+
+namespace quofp {
+namespace {
+
+struct Options {
+  Inputs inputs;
+  Format format = Format::kTable;
+};
+
+void define(CLI::App& command, Options& options) {
+  add_inputs(command, options.inputs);
+  add_format_option(command, options.format);
+}
+
+std::vector<Cell> row_of(const Frame& frame) {
+  uint8_t snr = 0, signal = 0, noise = 0;
+  const uint32_t result = FP_ComputeSNR(frame.data(), static_cast<uint32_t>(frame.width),
+                                        static_cast<uint32_t>(frame.height), &snr, &signal, &noise);
+  if (result == QUO_NO_MEMORY) throw refusal(frame.name, "FP_ComputeSNR", result, kNoBlock);
+  check_result(frame.name, "FP_ComputeSNR", result);
+  return {frame.name, snr, signal, noise};
+}
+
+Exit run(const Options& options) {
+  Table table({{"file"}, {"snr"}, {"signal"}, {"noise"}});
+  const Exit exit = for_each_frame(options.inputs, [&table](const Frame& frame) {
+    table.add(row_of(frame));
+    return Exit::kDone;
+  });
+  table.print(std::cout, options.format);
+  return exit;
+}
+
+}  // namespace
+
+void add_snr(Commands& commands) {
+  commands.add<Options>(
+      {.name = "snr",
+       .summary = "Signal to noise of frames",
+       .examples = {"quofp snr frame.png", "quofp snr lot/*.png --format csv > lot.csv"},
+       .details =
+           "The signal is what a 3 x 3 smoothing keeps of a frame, the noise what it takes away, each measured in\n"
+           "blocks of 16 x 16 pixels.\n"
+           "Columns: snr, 10 x variance of the signal / (variance of the noise + 1), the median of all blocks, 255 at\n"
+           "most; signal and noise, gray levels in the block with the median: the roots of that quotient's two parts."},
+      define, run);
+}
+
+}  // namespace quofp
