@@ -212,7 +212,7 @@ QUO_API uint8_t FindBgValue(const uint8_t *image, int32_t width, int32_t height,
 /** Measures the valid blocks of a frame: how much of it the finger covers, how dark it is, and where it lies.
  *
  *  Blocks lie side by side from the top left corner; the pixels right of the last whole block and below it belong to
- *  none. All quotients truncate.
+ *  none. All quotients truncate. Outputs are written in the order mean, percentage, centre.
  *
  *  @param image           width x height gray image
  *  @param width           pixels per row
@@ -306,13 +306,13 @@ QUO_API uint8_t RemoveVerticalStripes(const uint8_t *source, uint8_t *destinatio
  *
  *  The mean of a column over its pixels up to 234 (255 when it has none) is compared with the mean of the means of the
  *  four columns on either side, and the difference is taken off those pixels, with the results kept within 0 to 254.
- *  Pixels of 235 and above, the first five columns and the last four are copied. Scratch memory of eight bytes a
- *  column.
+ *  Pixels of 235 and above, the first five columns and the last four are copied. Scratch memory of at
+ *  most seven bytes a column.
  *
  *  @param source       width x height gray image
  *  @param destination  width x height gray image, written; may be source, otherwise not overlapping it
  *  @param width        pixels per row
- *  @param height       rows, any number
+ *  @param height       rows; the sum of a column is modulo 2^32, which 16,843,009 rows reach at the earliest
  *  @return 1 when done, 0 when scratch memory could not be allocated (nothing is written)
  */
 QUO_API uint8_t RemoveVerticalStripes_All(const uint8_t *source, uint8_t *destination, int32_t width, int32_t height);
@@ -415,15 +415,15 @@ QUO_API uint32_t FP_ImagePreproc_MCU(uint8_t *frame, int32_t width, int32_t heig
 
 /** Balances the gray levels of a frame in place, as FP_ImagePreproc_Step2() does, in slices, to bound scratch memory.
  *
- *  The result is the same for every slice_rows. Scratch memory is 6 x width bytes and what LocalGrayBalance_Slice()
- *  takes for slice_rows + 6 rows.
+ *  The result is the same for every slice_rows. Scratch memory is what LocalGrayBalance_Slice() takes for slice_rows +
+ *  6 rows and 6 x width bytes more; for a frame of at most slice_rows, what it takes for the whole frame.
  *
- *  @param frame       width x height gray image, changed in place
+ *  @param frame       width x height gray image, changed in place; may be null, which does nothing
  *  @param width       pixels per row
  *  @param height      rows
  *  @param slice_rows  rows per slice; below 3 taken as 3
- *  @param target      the spread wished for, in gray levels, as for GetEnhanceCoef(); the gain is its low 8 bits, 0 for
- *                     a negative one
+ *  @param target      the spread wished for, in gray levels, as for GetEnhanceCoef(); the gain is the low 8 bits of
+ *                     the truncated coefficient, 0 for a negative one
  *  @return QUO_OK, also when the gain is below 2 and nothing is done; QUO_NO_MEMORY, with the slices balanced by then
  */
 QUO_API uint32_t FP_ImageEnhance_Slice(uint8_t *frame, int32_t width, int32_t height, int32_t slice_rows,

@@ -6,10 +6,8 @@
 namespace {
 
 void copy_rows(const uint8_t* source, ptrdiff_t stride, uint8_t* destination, int32_t width, int32_t height) {
-  for (int32_t y = 0; y < height; y++) {
-    quo_memcpy(destination, source, static_cast<uint32_t>(width));
-    source += stride;
-    destination += width;
+  for (ptrdiff_t y = 0; y < height; y++) {
+    quo_memcpy(destination + y * width, source + y * stride, static_cast<uint32_t>(width));
   }
 }
 
@@ -31,7 +29,7 @@ uint32_t FP_GetBlockValidArea(const uint8_t* frame, int32_t width, int32_t heigh
   } quarters[] = {{top_left, 0}, {top_right, right}, {bottom_left, below}, {bottom_right, below + right}};
   for (const auto& [mean_out, offset] : quarters) {
     if (mean_out == nullptr) continue;
-    if (half_width > 0) copy_rows(frame + offset, width, quarter.get(), half_width, half_height);
+    if (half_width > 0 && half_height > 0) copy_rows(frame + offset, width, quarter.get(), half_width, half_height);
     GetValidArea(quarter.get(), half_width, half_height, bg, nullptr, mean_out, nullptr, nullptr);
   }
   return QUO_OK;

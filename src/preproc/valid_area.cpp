@@ -60,14 +60,14 @@ uint8_t GetValidArea(const uint8_t* image, int32_t width, int32_t height, uint8_
   ValidBlocks valid;
   if (width >= kBlock && height >= kBlock) valid = find_valid_blocks(image, width, height, bg);
   if (valid.count == 0) {
-    store<uint8_t>(percentage_out, 0);
     store(mean_out, quo::kWhite);
+    store<uint8_t>(percentage_out, 0);
     store(centre_x_out, 0);
     store(centre_y_out, 0);
     return 0;
   }
+  store(mean_out, static_cast<uint8_t>(valid.sum / (uint64_t{valid.count} * kBlockPixels)));
   store(percentage_out, static_cast<uint8_t>(uint64_t{valid.count} * 100 / valid.blocks));
-  store(mean_out, static_cast<uint8_t>(valid.sum / (valid.count * kBlockPixels)));
   store(centre_x_out, static_cast<int32_t>(valid.left / valid.count));
   store(centre_y_out, static_cast<int32_t>(valid.top / valid.count));
   return 0;

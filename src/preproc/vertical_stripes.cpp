@@ -86,8 +86,8 @@ uint8_t RemoveVerticalStripes_All(const uint8_t* source, uint8_t* destination, i
   const auto entries = static_cast<uint32_t>(columns);
   quo::Scratch<uint32_t> sums;
   quo::Scratch<uint8_t> counts;
-  quo::Scratch<uint8_t> means;
   quo::Scratch<int16_t> offsets;
+  quo::Scratch<uint8_t> means;
   if (!sums.allocate(entries) || !counts.allocate(entries) || !means.allocate(entries)) return 0;
   take_means(source, columns, height, sums.get(), counts.get(), means.get());
   counts.reset();

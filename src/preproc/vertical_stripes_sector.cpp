@@ -86,6 +86,7 @@ uint8_t RemoveVerticalStripes_Sector(const uint8_t* source, uint8_t* destination
   const int32_t sectors = std::max(width, 0) / kSector;
   quo::Scratch<Means> means;
   if (!means.allocate(static_cast<uint32_t>(sectors))) return 0;
+  if (height <= 0) return 1;
   take_means(source, width, height, means.get(), sectors);
   correct(source, destination, width, height, means.get(), sectors);
   return 1;
