@@ -370,7 +370,8 @@ QUO_API uint8_t LocalGrayBalance_Slice(uint8_t *image, int32_t width, int32_t he
  *  @param width         pixels per row
  *  @param height        rows
  *  @param bg            background value; 0 to have it estimated, with 255 when none is found
- *  @param area          on entry the coverage required, in per cent; receives the coverage measured. Null to do without.
+ *  @param area          on entry the coverage required, in per cent; receives the coverage measured. Null to do
+ *                       without.
  *  @param border_flags  border lines to replace, a sum of QUO_BORDER_ flags
  *  @return QUO_OK, or the first failure of the two steps
  */
@@ -434,10 +435,10 @@ QUO_API uint32_t FP_ImageEnhance_Slice(uint8_t *frame, int32_t width, int32_t he
 /* ------------------------------------------------------------------------------------------------------------------ */
 /** @name Image quality and orientation
  *
- *  Two quality scores, both from 0 to 100. The sensor score, FP_ImageQuality(), looks at a few pixels of every block and
- *  is cheap enough for every captured frame; ImageQuality() works on the dense orientation field of the half-size frame.
- *  Each merges three component scores (direction, contrast, brightness), weighing a component by the square of what it
- *  lacks, so that the weakest one decides. A frame without any fault, whose components are all 100, scores 0.
+ *  Two quality scores, both from 0 to 100. The sensor score, FP_ImageQuality(), looks at a few pixels of every block
+ *  and is cheap enough for every captured frame; ImageQuality() works on the dense orientation field of the half-size
+ *  frame. Each merges three component scores (direction, contrast, brightness), weighing a component by the square of
+ *  what it lacks, so that the weakest one decides. A frame without any fault, whose components are all 100, scores 0.
  *  @{
  */
 
@@ -454,10 +455,10 @@ typedef struct quo_block_record {
  *  @param image      width x height gray image, may be null
  *  @param width      pixels per row
  *  @param height     rows
- *  @param quality    receives the score, 0 to 100; may be null
+ *  @param quality    receives the score, 0 to 100, 0 without a block that is not background; may be null
  *  @param area       receives the percentage of blocks that are not background; may be null
  *  @param bright     receives the average bright percentage of those blocks, truncated; may be null
- *  @param mean_gray  receives the average of their means, truncated; may be null
+ *  @param mean_gray  receives the average of their means, truncated; may be null; not written without such a block
  *  @return QUO_OK; QUO_NO_MEMORY or, for a null image, QUO_NO_OUTPUT, both with nothing written
  */
 QUO_API uint32_t FP_ImageQuality(const uint8_t *image, int32_t width, int32_t height, uint8_t *quality, uint8_t *area,
@@ -469,9 +470,9 @@ QUO_API uint32_t FP_ImageQuality_MCU(const uint8_t *image, int32_t width, int32_
 
 /** Scores a frame from the records of BlockOrientation_MCU(), the array of which is its only memory.
  *
- *  Direction: the share of finger blocks with a dominant direction. Contrast: up to 60 for deviations that are alike and
- *  up to 40 for their average, full at 30. Brightness: up to 60 for means that are alike and up to 40 for an average
- *  close to 128.
+ *  Direction: the share of finger blocks with a dominant direction. Contrast: up to 60 for deviations that are alike
+ *  and up to 40 for their average, full at 30. Brightness: up to 60 for means that are alike and up to 40 for an
+ *  average close to 128.
  *
  *  @param image      width x height gray image
  *  @param width      pixels per row
@@ -489,9 +490,9 @@ QUO_API uint32_t ImageQuality_MCU(const uint8_t *image, int32_t width, int32_t h
 /** Cuts a frame into square blocks and measures each from a sparse sample.
  *
  *  The side of a block is 16 pixels when the shorter side of the frame has 192 or more, 10 from 160 on, else 8; the
- *  columns and rows that remain at the right and at the bottom belong to no block. Mean, deviation and bright percentage
- *  come from 16 samples a block (25 in blocks of 10), without those of value 255. A block that is bright and flat (mean
- *  180 or more, deviation below 10), or that has no sample below 255, is background.
+ *  columns and rows that remain at the right and at the bottom belong to no block. Mean, deviation and bright
+ *  percentage come from 16 samples a block (25 in blocks of 10), without those of value 255. A block that is bright and
+ *  flat (mean 180 or more, deviation below 10), or that has no sample below 255, is background.
  *
  *  The direction code 1 + d names the line d * 22.5 degrees from horizontal, roughly, counted counter-clockwise, along
  *  which the gray varies least around the block centre: 1 horizontal, 3 rising to the right, 5 vertical, 7 falling. It
@@ -511,15 +512,17 @@ QUO_API uint32_t BlockOrientation_MCU(const uint8_t *image, int32_t width, int32
 
 /** Summarises the orientation field of the half-size frame block by block.
  *
- *  The field is that of Orientation(), except that a pixel whose window holds too little horizontal gradient has no
- *  orientation: it is background when its gray is above 179, flat otherwise. Horizontal ridges count as flat, since only
- *  the horizontal derivative is summed.
+ *  The field is that of Orientation(), except that a pixel whose window holds too little horizontal gradient (20 for
+ *  each pixel of a whole window, also at the edges, where windows are cut) has no orientation: it is background when
+ *  its gray is above 179, flat otherwise. Horizontal ridges count as flat, since only the horizontal derivative is
+ *  summed.
  *
  *  A block takes its direction from a histogram of its pixels that are not background, in nine bins: flat, then the
  *  eight of DDIndex8(). The direction code is the number of the fullest bin when it holds more than 80 % of them, else
- *  0: 1 horizontal, 3 falling to the right, 5 vertical, 7 rising. Flat blocks have 0 too. A block with less than 80 % of
- *  such pixels is background, with a mean of 255. Mean, deviation and bright percentage are over the block's half-size
- *  pixels, in a block with background pixels over those below 255; all three are 0 when there are none.
+ *  0: 1 horizontal, 3 falling to the right, 5 vertical, 7 rising. Flat blocks have 0 too. A block with less such pixels
+ *  than 80 % of its area, truncated to whole pixels, is background, with a mean of 255. Mean, deviation and bright
+ *  percentage are over the block's half-size pixels, in a block with background pixels over those below 255; all three
+ *  are 0 when there are none.
  *
  *  @param image   width x height gray image; of odd sizes, the half that ZoomImg() makes is used
  *  @param width   pixels per row
@@ -529,7 +532,8 @@ QUO_API uint32_t BlockOrientation_MCU(const uint8_t *image, int32_t width, int32
  *  @param nbx     blocks per row; 0 or less writes no records
  *  @param nby     block rows; 0 or less writes no records
  *  @param radius  the window is 2 * radius + 1 half-size pixels wide and high; negative counts as 0
- *  @param area    receives the percentage of half-size pixels that are not background, 0 for an empty frame; may be null
+ *  @param area    receives the percentage of half-size pixels that are not background, 0 for an empty frame; may be
+ *                 null
  *  @return QUO_OK, or QUO_NO_MEMORY with nothing written
  */
 QUO_API uint32_t BlockOrientation(const uint8_t *image, int32_t width, int32_t height, quo_block_record *blocks,
@@ -546,7 +550,8 @@ QUO_API uint32_t DDIndex8(int32_t orientation);
  *  blocks and a radius of 3.
  *
  *  Direction: the share of blocks with a direction code other than 0. Contrast: up to 40 for deviations that are alike
- *  and up to 60 for their average, full at 30. Brightness: falls with the differences between the means of the blocks.
+ *  and up to 60 for their average, full at 30. Brightness: falls with the mean difference between the means of the
+ *  blocks, but is full where that is from 100 to 150. Without a block that is not background, quality and bright are 0.
  *
  *  @param image      width x height gray image
  *  @param width      pixels per row
@@ -565,7 +570,8 @@ QUO_API uint32_t ImageQuality(const uint8_t *image, int32_t width, int32_t heigh
  *
  *  Sobel gradients of the smoothed half-size frame, doubled in angle, averaged over a square window and halved again;
  *  the result is enlarged by repeating pixels. The cost does not depend on the radius. Sums are modulo 2^32, exact for
- *  windows of up to 1,000 pixels and in practice for far larger ones. Each half-size pixel takes one tev_quo_atan2().
+ *  windows of up to 1,000 pixels and in practice for far larger ones. When tev_quo_atan2()
+ *  is interposed, it is called once for each half-size pixel, rows first, and its angles decide.
  *  M. Kass and A. Witkin, "Analyzing oriented patterns", CVGIP 37, 1987.
  *
  *  @param image   width x height gray image
@@ -623,7 +629,7 @@ QUO_API uint32_t CheckBadLine(const uint8_t *image, int32_t width, int32_t heigh
  *                      twice. The caller sets it first; must not be null.
  *  @param mark_image   receives a width x height mark image, to be released with tev_quo_free(); may be null
  *  @return QUO_OK; QUO_NO_OUTPUT, with nothing done, when line_pixels is null; QUO_NO_MEMORY with line_pixels unchanged
- *          and an empty mark image, or null where that could not be allocated either
+ *          and an empty mark image; QUO_NO_MEMORY with a null mark image when that alone, or that too, found no memory
  */
 QUO_API uint32_t FP_GetBadLinePixelsNum(const uint8_t *image, int32_t width, int32_t height, uint32_t *line_pixels,
                                         uint8_t **mark_image);
@@ -726,7 +732,8 @@ QUO_API uint32_t FP_CheckBadPixelsNum(uint8_t *frame, int32_t width, int32_t hei
  */
 
 /** Bytes that DecodeSpTemplates() and FP_MatchSpTemplates() read of a template at most, whatever the bytes are. Bytes
- *  from storage that may be damaged or cut short are safe to decode from a buffer of this size, filled up with zeros. */
+ *  from storage that may be damaged or cut short are safe to decode from a buffer of this size, filled up with zeros.
+ */
 #define QUO_SP_MAX_READ 2042u
 
 /** Binarises a line of pixels in place against its sliding local mean.
@@ -745,7 +752,8 @@ QUO_API uint32_t AdaptiveLineBinary(uint8_t *line, int32_t n);
  *  @param frame   width x height gray image
  *  @param width   pixels per row, above 24
  *  @param height  rows, above 24
- *  @param record  receives the record of T + 3 bytes, for tev_quo_free(); may be null, then the record is made and freed
+ *  @param record  receives the record of T + 3 bytes, for tev_quo_free(); may be null, then the record is made and
+ *                 freed
  *  @param size    receives T + 3; may be null
  *  @return QUO_OK, or QUO_NO_MEMORY with nothing written: no memory, a width or height of 24 or less, or a frame so
  *          large that T exceeds 65535 (width + height above 21889)
@@ -771,9 +779,9 @@ QUO_API uint32_t EncodeSpTemplates(const uint8_t *record, uint8_t **sp_template,
  *  @param sp_template  the template
  *  @param record       receives the record of T + 3 bytes, for tev_quo_free(); may be null, then it is made and freed
  *  @param size         receives T + 3; may be null
- *  @return QUO_OK; QUO_NO_MEMORY; or QUO_BAD_TEMPLATE: T is above 1020, a section or run does not fit in what remains of
- *          the record, a run's count is 0, or the version is not 0 and the last byte does not repeat it. Unless QUO_OK,
- *          nothing is written.
+ *  @return QUO_OK; QUO_NO_MEMORY; or QUO_BAD_TEMPLATE: T is above 1020, a section or run does not fit in what remains
+ *          of the record, a run's count is 0, or the version is not 0 and the last byte does not repeat it. Unless
+ *          QUO_OK, nothing is written.
  */
 QUO_API uint32_t DecodeSpTemplates(const uint8_t *sp_template, uint8_t **record, uint32_t *size);
 
@@ -781,9 +789,10 @@ QUO_API uint32_t DecodeSpTemplates(const uint8_t *sp_template, uint8_t **record,
  *
  *  Every section is scored by the share of its dark positions (profile value 0) that are dark in both records, in
  *  percent; a section counts when more than a third of its positions are dark in at least one. The score mixes the
- *  share over all sections (7 / 10) with the best section (3 / 10). A share of 49 or less is doubled when the standard
- *  deviation of the section scores is 30 or more, trebled from 45 on. Of the section scores the first ten enter the
- *  deviation.
+ *  share over all sections (7 / 10) with the best section (3 / 10). That share is 0 unless more
+ *  than a third of all positions are dark in at least one record; one of 49 or less is doubled when the standard
+ *  deviation of the section scores, by quo_sqrt(), is 30 or more, trebled from 45 on. Of the section scores the first
+ *  ten enter the deviation.
  *
  *  @param first   a profile record; its section lengths may be anything, nothing beyond its T + 3 bytes is read
  *  @param second  as first
@@ -827,8 +836,8 @@ QUO_API void FP_DeleteSpTemplates(uint8_t **sp_template);
  *  @param first   a template; any bytes, see DecodeSpTemplates()
  *  @param second  as first
  *  @param score   receives 0 to 100; may be null
- *  @return QUO_OK, or QUO_TEMPLATE_MISFIT with nothing written: a template cannot be decoded, for want of memory too, or
- *          the two are of different versions or frame sizes
+ *  @return QUO_OK, or QUO_TEMPLATE_MISFIT with nothing written: a template cannot be decoded, for want of memory too,
+ *          or the two are of different versions or frame sizes
  */
 QUO_API uint32_t FP_MatchSpTemplates(const uint8_t *first, const uint8_t *second, uint32_t *score);
 
@@ -878,8 +887,8 @@ QUO_API double Variance(const uint8_t *data, int32_t count);
  *  @param height         rows, as width
  *  @param margin         pixels left out along each of the four edges
  *  @param size           pixels along the side of a block, at least 1
- *  @param variances      receives an array of blocks_across x blocks_down values, rows of blocks from the top, which the
- *                        caller releases with tev_quo_free(); required
+ *  @param variances      receives an array of blocks_across x blocks_down values, rows of blocks from the top, which
+ *                        the caller releases with tev_quo_free(); required
  *  @param blocks_across  receives the number of blocks in a row, may be null
  *  @param blocks_down    receives the number of rows of blocks, may be null
  *  @return QUO_OK; QUO_BAD_GRID when the sizes leave no block or variances is null; QUO_GRID_NO_MEMORY when size x size
@@ -910,17 +919,18 @@ QUO_API uint32_t FP_ComputeSNR(const uint8_t *frame, uint32_t width, uint32_t he
  *
  *  A pixel is bright when its gray reaches the frame's mean plus four standard deviations, the deviation being the root
  *  of the median block variance. The threshold is at most 255, except in a frame whose deviation is above 60 and of
- *  which more than a tenth is 255: there it may pass 255, and nothing is bright. Bubble pixels are the bright ones among
- *  bright neighbours: MyRectErode() with a border of 2.
+ *  which more than a tenth is 255: there it may pass 255, and nothing is bright. Bubble pixels are the bright ones
+ *  among bright neighbours: MyRectErode() with a border of 2.
  *
  *  @param frame         width x height gray image
  *  @param width         pixels per row, at least 16; 0 is an empty frame
  *  @param height        rows, as width
  *  @param count         receives the number of bubble pixels, 0 on failure; may be null
- *  @param bubble_image  receives a width x height image, 255 at bubble pixels and 0 elsewhere, which the caller releases
- *                       with tev_quo_free(); left alone when there are no bright pixels and on failure; may be null
- *  @return QUO_OK, for an empty frame too; QUO_NO_MEMORY when a buffer could not be allocated, the frame is too small, or
- *          it has more than INT32_MAX pixels
+ *  @param bubble_image  receives a width x height image, 255 at bubble pixels and 0 elsewhere, which the caller
+ *                       releases with tev_quo_free(); left alone when there are no bright pixels and on failure; may be
+ *                       null
+ *  @return QUO_OK, for an empty frame too; QUO_NO_MEMORY when a buffer could not be allocated, the frame is too small,
+ *          or it has more than INT32_MAX pixels
  */
 QUO_API uint32_t CreateBubbleImage(const uint8_t *frame, uint32_t width, uint32_t height, uint32_t *count,
                                    uint8_t **bubble_image);
@@ -980,8 +990,8 @@ QUO_API uint32_t tev_GetFingerMean(const uint8_t *frame, int32_t width, int32_t 
  *  One step of the DAC moves the mean by 0.145 gray levels times the three gains, up or down by mode.
  *
  *  @param settings_in   the present settings; of the indices only the low 3, 2 and 2 bits are looked at
- *  @param settings_out  receives the settings with the new DAC value, truncated and limited to 0..255, 0 for a mean that
- *                       is not a number; may be settings_in
+ *  @param settings_out  receives the settings with the new DAC value, truncated and limited to 0..255, 0 for a mean
+ *                       that is not a number; may be settings_in
  *  @param target        the wanted mean gray
  *  @param mode          the kind of sensor
  *  @param mean          the measured mean gray
@@ -1032,8 +1042,8 @@ QUO_API uint32_t tev_AutoGainDacp(const uint8_t *frame, int32_t width, int32_t h
  *  | flat         | the rest                                                              |
  *
  *  The choice is the first that applies: the contrasted frame with the largest share of low pixels, if that is above 0,
- *  the earliest of equals; the last frame when all are dark; the dark one when one is dark and at least one flat bright;
- *  the flat mid one when one is flat mid and at least one dark.
+ *  the earliest of equals; the last frame when all are dark; the dark one when one is dark and at least one flat
+ *  bright; the flat mid one when one is flat mid and at least one dark.
  *
  *  @param frames  count pointers to width x height gray images; null entries are passed over
  *  @param count   number of frames; of 0 frames the choice is 255

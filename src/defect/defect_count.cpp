@@ -66,6 +66,6 @@ uint32_t FP_GetBadPixelsNum(const uint8_t* frame, int32_t width, int32_t height,
     *mark_image = new_mark_image(half_marks, half, lines, width, height);
     if (*mark_image == nullptr) result = QUO_NO_MEMORY;
   }
-  tev_quo_free(half_marks);
+  if (half_marks != nullptr) tev_quo_free(half_marks);
   return result;
 }

@@ -190,6 +190,8 @@ uint32_t BlockOrientation(const uint8_t* image, int32_t width, int32_t height, q
   if (!field.allocate(cells)) return QUO_NO_MEMORY;
   const uint64_t background = fill_field(half, tables, energy.get(), energy_threshold(radius), field.get());
   quo::store(area, static_cast<uint8_t>(cells == 0 ? 0 : (cells - background) * 100 / cells));
+  product.reset();
+  difference.reset();
   if (nbx <= 0 || nby <= 0) return QUO_OK;
   summarise_blocks(half, field.get(), width / nbx / 2, height / nby / 2, blocks, nbx, nby);
   return QUO_OK;

@@ -142,6 +142,7 @@ void measure_block(const Frame& frame, const LineOffsets& lines, int32_t x, int3
 
 template <int32_t size>
 void measure_blocks(const Frame& frame, quo_block_record* block) {
+  if (frame.width < size || frame.height < size) return;
   const LineOffsets lines(frame.width);
   const int32_t right = frame.width / size * size, bottom = frame.height / size * size;
   for (int32_t y = 0; y < bottom; y += size) {

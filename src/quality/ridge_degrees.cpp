@@ -10,7 +10,7 @@ namespace {
 
 // Half degrees of the doubled angle are degrees of the orientation: what is called a half below.
 constexpr double kTurn = 6.2831852;                       // added to negative angles
-constexpr double kDegreesPerRadian = 57.295780490442965;  // 1.7e-8 more than 180 / pi
+constexpr double kDegreesPerRadian = 57.295780490442965;  // 9.8e-7 more than 180 / pi
 constexpr double kMostHalves = 181.0;                     // above every angle that an arctangent gives
 
 // The averaged vector turns twice as fast as the gradient and the other way round, and the ridge lies across the
