@@ -8,6 +8,7 @@
 #include <iterator>
 #include <numbers>
 #include <stdexcept>
+#include <string_view>
 
 #include "failure.h"
 
@@ -36,6 +37,34 @@ std::string tick_label(double value) {
   char text[32];
   std::snprintf(text, sizeof text, "%g", value);
   return text;
+}
+
+// Length of the well-formed UTF-8 character that the text begins with, 0 when there is none.
+size_t character_length(std::string_view text) {
+  const auto byte = [&](size_t i) { return static_cast<unsigned char>(text[i]); };
+  if (byte(0) < 0x80) return 1;
+  const size_t length = byte(0) < 0xE0 ? 2 : byte(0) < 0xF0 ? 3 : 4;
+  constexpr uint32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};  // a longer form of a smaller value is malformed
+  if (byte(0) < 0xC2 || byte(0) > 0xF4 || text.size() < length) return 0;
+  uint32_t value = byte(0) & (0x7FU >> length);
+  for (size_t i = 1; i < length; i++) {
+    if ((byte(i) & 0xC0) != 0x80) return 0;
+    value = value << 6 | (byte(i) & 0x3FU);
+  }
+  const bool surrogate = value >= 0xD800 && value <= 0xDFFF;
+  return value < kSmallest[length] || value > 0x10FFFF || surrogate ? 0 : length;
+}
+
+// Cairo draws nothing more once it has met text that is not UTF-8, and file names need not be. What is not becomes
+// question marks.
+std::string well_formed(std::string_view text) {
+  std::string result;
+  while (!text.empty()) {
+    const size_t length = character_length(text);
+    result += length == 0 ? "?" : text.substr(0, length);
+    text.remove_prefix(std::max<size_t>(length, 1));
+  }
+  return result;
 }
 
 }  // namespace
@@ -154,7 +183,7 @@ void Canvas::set_font(const TextStyle& style) {
 double Canvas::text_width(const std::string& text, const TextStyle& style) {
   set_font(style);
   cairo_text_extents_t extents;
-  cairo_text_extents(context_.get(), text.c_str(), &extents);
+  cairo_text_extents(context_.get(), well_formed(text).c_str(), &extents);
   return extents.x_advance;
 }
 
@@ -163,7 +192,7 @@ void Canvas::draw_text(double x, double y, const std::string& text, const TextSt
   const double before = style.align == Align::kLeft ? 0 : style.align == Align::kCentre ? full / 2 : full;
   set_colour(style.colour);
   cairo_move_to(context_.get(), std::round(x - before), std::round(y));
-  cairo_show_text(context_.get(), text.c_str());
+  cairo_show_text(context_.get(), well_formed(text).c_str());
   cairo_new_path(context_.get());
 }
 

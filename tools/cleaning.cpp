@@ -84,6 +84,15 @@ void add_cleaning_options(CLI::App& command, Cleaning& cleaning) {
                     "rows balanced at a time, to bound the memory; 0 for all");
 }
 
+void check(const Cleaning& cleaning) {
+  if (cleaning.stage == Stage::kBorders && cleaning.borders == 0) {
+    throw usage_failure("--stage borders needs --borders");
+  }
+  if (cleaning.stage != Stage::kAll && cleaning.min_coverage != 0) {
+    throw usage_failure("--min-coverage goes with all stages only");
+  }
+}
+
 Findings measure(const Frame& frame, const Cleaning& cleaning) {
   auto background = static_cast<uint8_t>(cleaning.background);
   if (background == 0) {

@@ -23,6 +23,9 @@ struct Cleaning {
 /** Declares --stage, --background, --min-coverage, --borders and --slice-rows. */
 void add_cleaning_options(CLI::App& command, Cleaning& cleaning);
 
+/** @throws Failure when the options do not go together */
+void check(const Cleaning& cleaning);
+
 /** What the library found out about a frame. */
 struct Findings {
   int32_t background;           // used for the coverage

@@ -4,6 +4,7 @@ namespace quofp {
 
 CLI::App& Commands::declare(const Description& description) {
   CLI::App* const command = app_.add_subcommand(description.name, description.summary);
+  names_.insert(description.name);
   std::string footer;
   if (!description.details.empty()) footer += description.details + "\n\n";
   footer += "Examples:";

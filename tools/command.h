@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 #include <functional>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -34,12 +35,15 @@ class Commands {
     command.callback([this, options, run] { chosen_ = [options, run] { return run(*options); }; });
   }
 
+  bool has(const std::string& name) const { return names_.count(name) != 0; }
+
   Exit run_chosen() const { return chosen_(); }
 
  private:
   CLI::App& declare(const Description& description);
 
   CLI::App& app_;
+  std::set<std::string> names_;
   std::function<Exit()> chosen_;
 };
 

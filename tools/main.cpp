@@ -48,6 +48,9 @@ Exit run(int argc, char** argv) {
       "Help with examples for a command: quofp COMMAND --help");
   Commands commands(app);
   for (const auto add : kCommands) add(commands);
+  if (argc > 1 && argv[1][0] != '-' && !commands.has(argv[1])) {
+    throw usage_failure("there is no command '" + std::string(argv[1]) + "'; quofp --help lists them");
+  }
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

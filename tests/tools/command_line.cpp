@@ -51,6 +51,7 @@ TEST_F(CommandLine, AnswersMisuseWithCode2AndAMessage) {
     EXPECT_NE(run.err, "") << arguments;
   }
   EXPECT_FALSE(exists("a.png"));
+  EXPECT_EQ(quofp("nonsense -o a.png").err, "quofp: there is no command 'nonsense'; quofp --help lists them\n");
 }
 
 TEST_F(CommandLine, AnswersAnUnwritableFileWithCode3AndItsName) {

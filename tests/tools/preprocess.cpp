@@ -187,8 +187,14 @@ TEST_F(Sheet, LeavesOutWhatCannotBeShown) {
   EXPECT_EQ(refused.exit, 1);
   EXPECT_EQ(csv_rows(refused.out).size(), 2U);
   EXPECT_TRUE(shows(read_png("sheet.png"), frame, 2));
+  // File names need not be text.
+  const std::string odd = "\xFF\xE0\x80\x80\xED\xA0\x80.pgm";
+  write_pgm(odd, frame);
+  quofp_done("sheet '" + odd + "' -o odd.png");
+  EXPECT_EQ(nlohmann::json::parse(quofp_done("info '" + odd + "' --format json")).size(), 1U);
   EXPECT_EQ(quofp("sheet bad.png -o nothing.png").exit, 3);
   EXPECT_FALSE(exists("nothing.png"));
   EXPECT_EQ(quofp("sheet frame.pgm -o missing/sheet.png").exit, 3);
   EXPECT_EQ(quofp("sheet frame.pgm -o sheet.png --zoom 17").exit, 2);
+  EXPECT_EQ(quofp("sheet frame.pgm -o sheet.png --stage borders").exit, 2);
 }

@@ -25,12 +25,7 @@ void define(CLI::App& command, Options& options) {
 
 Exit run(const Options& options) {
   const Cleaning& cleaning = options.cleaning;
-  if (cleaning.stage == Stage::kBorders && cleaning.borders == 0) {
-    throw usage_failure("--stage borders needs --borders");
-  }
-  if (cleaning.stage != Stage::kAll && cleaning.min_coverage != 0) {
-    throw usage_failure("--min-coverage goes with all stages only");
-  }
+  check(cleaning);
   const Outputs outputs(options.inputs, options.output);
   Table table({{"file"}, {"background"}, {"coverage"}, {"gain"}, {"output"}});
   const Exit exit = for_each_frame(options.inputs, [&](Frame& frame) {

@@ -115,6 +115,7 @@ std::string caption_of(const Findings& findings) {
 }
 
 Exit run(const Options& options) {
+  check(options.cleaning);
   Table table({{"file"}, {"background"}, {"coverage"}, {"gain"}});
   std::vector<Pair> pairs;
   const Exit exit = for_each_frame(options.inputs, [&](const Frame& frame) {
