@@ -87,13 +87,3 @@ TEST(EncodeSpTemplates, HandsOutOnlyWhatIsAskedFor) {
   EXPECT_THAT(hooks().sizes, testing::ElementsAre(10, 10, 10));
   EXPECT_EQ(hooks().live_blocks, 0U);
 }
-
-TEST(EncodeSpTemplates, WritesNothingWithoutMemory) {
-  const Bytes record = record_of({{0, 0, 255}});
-  const uint64_t allocations = for_each_failing_allocation([&] { return encoded(record); },
-                                                           [&](uint64_t index, const Encoded& failed) {
-                                                             EXPECT_EQ(failed.result, QUO_NO_MEMORY) << index;
-                                                             EXPECT_EQ(hooks().live_blocks, 0U);
-                                                           });
-  EXPECT_EQ(allocations, 2U);
-}

@@ -79,7 +79,11 @@ TEST(FP_ExtractSpTemplates, WritesNothingWithoutMemory) {
                                     EXPECT_EQ(size, 77U);
                                     EXPECT_EQ(hooks().live_blocks, 0U);
                                   });
-  EXPECT_EQ(allocations, 9U);  // record, six lines, work buffer, template
+  EXPECT_EQ(allocations, 9U);
+  const std::vector<uint32_t> sizes = hooks().sizes;  // record, six lines, work buffer, template
+  EXPECT_EQ(std::vector<uint32_t>(sizes.begin(), sizes.end() - 1),
+            (std::vector<uint32_t>{831, 1096, 1096, 1096, 1096, 1096, 1096, 1656}));
+  EXPECT_EQ(sizes.back(), size);
   FP_DeleteSpTemplates(&sp_template);
   FP_DeleteSpTemplates(&sp_template);  // a second time does nothing
   EXPECT_EQ(hooks().live_blocks, 0U);

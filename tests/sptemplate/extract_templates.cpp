@@ -94,23 +94,3 @@ TEST(ExtractSpTemplates, RefusesFramesWithoutRoomBetweenTheMarginsOrTooLongForTh
   EXPECT_EQ(size, 65538U);
   EXPECT_EQ(take(record, size), expected_record(longest));
 }
-
-TEST(ExtractSpTemplates, WritesNothingWithoutMemory) {
-  const Image frame(60, 40, 7);
-  uint8_t* record = nullptr;
-  uint32_t size = 99;
-  const uint64_t allocations = for_each_failing_allocation(
-      [&] {
-        const uint32_t result = ExtractSpTemplates(frame.data(), 60, 40, &record, &size);
-        return result == QUO_OK ? take(record, size).size() : size_t{result};
-      },
-      [&](uint64_t index, size_t result) {
-        EXPECT_EQ(result, QUO_NO_MEMORY) << "allocation " << index;
-        EXPECT_EQ(size, 99U);
-        EXPECT_EQ(record, nullptr);
-        EXPECT_EQ(hooks().live_blocks, 0U);
-      });
-  EXPECT_EQ(allocations, 7U);
-  EXPECT_THAT(hooks().sizes, testing::ElementsAre(171, 296, 296, 296, 136, 136, 136));
-  EXPECT_EQ(hooks().live_blocks, 0U);
-}

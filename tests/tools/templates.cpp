@@ -5,7 +5,6 @@
 #include <algorithm>
 
 #include "quoFPAlg.h"
-#include "reference/sptemplate.h"
 #include "tools/tool.h"
 
 using namespace quo_test;
@@ -146,28 +145,6 @@ TEST_F(Templates, SayWhatIsWrongWithThem) {
     EXPECT_EQ(quofp("match good.sp bad.sp").err, shown.err);
   }
   EXPECT_FALSE(exists("picture.png"));
-}
-
-// Files are taken exactly when the decoder takes their bytes and reads just these.
-TEST_F(Templates, AreTakenWhenTheDecoderTakesThem) {
-  Random random(61);
-  const Bytes good = template_of(small_frame());
-  int taken = 0;
-  for (int round = 0; round < 80; round++) {
-    Bytes bytes = good;
-    uint8_t& damaged = bytes[static_cast<size_t>(random.between(0, static_cast<int32_t>(good.size()) - 1))];
-    damaged = static_cast<uint8_t>(random.chance(50) ? random.between(0, 6) : random.byte());
-    if (random.chance(10)) bytes.resize(static_cast<size_t>(random.between(0, 70)), 1);
-    const reference::Decoded expected = reference::decoded(bytes);
-    const size_t length = expected.read + (bytes.empty() || bytes[0] != 0 ? 0 : 1);  // a trailer that is not read
-    const bool whole = expected.accepted && length == bytes.size();
-    write_bytes("a.sp", bytes);
-    const Outcome run = quofp("show a.sp");
-    ASSERT_EQ(run.exit, whole ? 0 : 3) << testing::PrintToString(bytes) << run.err;
-    taken += whole;
-  }
-  EXPECT_GT(taken, 10);
-  EXPECT_LT(taken, 70);
 }
 
 TEST_F(Templates, MatchWithFramesAndTemplatesAlike) {
