@@ -82,6 +82,7 @@ TEST(FP_ChooseBestHist, DrawsItsLimits) {
   EXPECT_EQ(choose({frame_of({{14, 500}, {15, 1500}})}), kNoChoice) << "25 % is not dark";
   EXPECT_EQ(choose({frame_of({{100, 1000}, {130, 1000}})}), 0) << "a deviation of 15 is contrast";
   EXPECT_EQ(choose({frame_of({{100, 1000}, {129, 1000}})}), kNoChoice);
+  EXPECT_EQ(choose({frame_of({{100, 1000}, {129, 900}, {200, 100}})}), kNoChoice) << "200 adds no contrast";
   EXPECT_EQ(choose({kDark, frame_of({{100, 1000}, {121, 1000}})}), 1) << "flat mid above 10";
   EXPECT_EQ(choose({kDark, frame_of({{100, 1000}, {120, 1000}})}), kNoChoice) << "a deviation of 10 is flat";
   EXPECT_EQ(choose({kDark, frame_of({{127, 199}, {130, 1801}})}), 0) << "flat bright below 10 % low";

@@ -49,19 +49,6 @@ TEST(GasssianSmooth, EqualsItsDefinitionForEverySmallSizeAndSensorSizes) {
   }
 }
 
-// Every pair of outer pixels with every middle one whose remainder matters.
-TEST(GasssianSmooth, TruncatesEveryCombination) {
-  for (int middle = 0; middle < 256; middle += 51) {
-    Image image(3, 256 * 256, [&](int32_t x, int32_t y) { return x == 0 ? y % 256 : x == 2 ? y / 256 : middle; });
-    const Image source = image;
-    Image rows(3, 256 * 256);
-    GasssianSmooth(image.data(), rows.data(), 3, 256 * 256);
-    for (int32_t y = 0; y < rows.height; y++) {
-      ASSERT_EQ(rows.at(1, y), (source.at(0, y) + 2 * middle + source.at(2, y)) / 4);
-    }
-  }
-}
-
 TEST(GasssianSmooth, TakesItsRowFirstAndDoesNothingWithoutPixels) {
   uint8_t image[4] = {1, 200, 3, 4}, scratch[4] = {9, 9, 9, 9};
   for (const int32_t none : {0, -1, INT32_MIN}) {
