@@ -517,12 +517,13 @@ QUO_API uint32_t BlockOrientation_MCU(const uint8_t *image, int32_t width, int32
  *  its gray is above 179, flat otherwise. Horizontal ridges count as flat, since only the horizontal derivative is
  *  summed.
  *
- *  A block takes its direction from a histogram of its pixels that are not background, in nine bins: flat, then the
- *  eight of DDIndex8(). The direction code is the number of the fullest bin when it holds more than 80 % of them, else
- *  0: 1 horizontal, 3 falling to the right, 5 vertical, 7 rising. Flat blocks have 0 too. A block with less such pixels
- *  than 80 % of its area, truncated to whole pixels, is background, with a mean of 255. Mean, deviation and bright
- *  percentage are over the block's half-size pixels, in a block with background pixels over those below 255; all three
- *  are 0 when there are none.
+ *  A block is width / nbx / 2 half-size pixels wide and height / nby / 2 high, each division rounded down; what remains
+ *  at the right and at the bottom belongs to no block. It takes its direction from a histogram of its pixels that are
+ *  not background, in nine bins: flat, then the eight of DDIndex8(). The direction code is the number of the fullest
+ *  bin when it holds more than 80 % of them, else 0: 1 horizontal, 3 falling to the right, 5 vertical, 7 rising. Flat
+ *  blocks have 0 too. A block with less than 80 % (rounded down) of such pixels is background, with a mean of 255.
+ *  Mean, deviation and bright percentage are over the block's half-size pixels, in a block with background pixels over
+ *  those below 255; all three are 0 when there are none.
  *
  *  @param image   width x height gray image; of odd sizes, the half that ZoomImg() makes is used
  *  @param width   pixels per row

@@ -14,6 +14,8 @@ void add_synth(Commands& commands);
 void add_preprocess(Commands& commands);
 
 // Image quality and orientation
+void add_orientation(Commands& commands);
+void add_quality(Commands& commands);
 
 // Sensor defect inspection
 void add_defects(Commands& commands);

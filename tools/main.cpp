@@ -19,6 +19,7 @@ constexpr void (*kCommands[])(Commands&) = {
     add_preprocess,
 
     // Image quality and orientation
+    add_quality, add_orientation,
 
     // Sensor defect inspection
     add_defects,
