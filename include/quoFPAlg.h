@@ -1149,8 +1149,9 @@ QUO_API void AdaptiveThreshold(const uint8_t *source, uint8_t *output, int32_t w
  *  @param output         width x height bytes
  *  @param width          pixels per row
  *  @param height         rows
- *  @param window_width   odd, an even width acts as the next smaller odd one and one below 1 as 1; at most 65536
- *  @param window_height  as the width; with a window beyond 65536 every pixel is copied
+ *  @param window_width   odd, an even width acts as the next smaller odd one and one below 1 as 1; sizes
+ *                        beyond 65536 count modulo 131072, and every pixel is copied where that leaves less than 1
+ *  @param window_height  as the width
  *  @return number of pixels stretched
  */
 QUO_API uint32_t AreaGrayStretch(const uint8_t *source, uint8_t *output, int32_t width, int32_t height,
@@ -1199,7 +1200,8 @@ QUO_API uint32_t ValidAreaGrayStretch(uint8_t *image, int32_t width, int32_t hei
  *  @param output         width x height bytes
  *  @param width          pixels per row
  *  @param height         rows
- *  @param window_width   odd, an even width acts as the next smaller odd one; 3 to 65536
+ *  @param window_width   odd, an even width acts as the next smaller odd one; at least 3. Sizes beyond 65536 count
+ *                        modulo 131072.
  *  @param window_height  as the width
  *  @return 1 when every pixel was written; 0 with nothing written when scratch memory (twice 4 bytes a pixel) could not
  *          be allocated, when a window size is out of range, when the image is smaller than 3 x 3, or when its pixels

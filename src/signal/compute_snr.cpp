@@ -93,8 +93,8 @@ uint32_t FP_ComputeSNR(const uint8_t* frame, uint32_t width, uint32_t height, ui
   if (!ratios.allocate(blocks)) return QUO_NO_MEMORY;
   for (uint32_t k = 0; k < blocks; k++) ratios[k] = block_ratio(signals[k], noises[k]);
   const double median = quo::upper_median(ratios.get(), blocks);
-  uint32_t k = 0;
-  while (block_ratio(signals[k], noises[k]) != median) k++;  // the first block with the median
+  uint32_t k = 0;  // the first block with the median; there is one, so the last need not be looked at
+  while (k + 1 < blocks && block_ratio(signals[k], noises[k]) != median) k++;
 
   *snr = saturated(median);
   if (signal != nullptr) *signal = amplitude(kSignalGain * signals[k]);

@@ -116,8 +116,12 @@ void balance_image(const Frame& frame, const uint32_t* integral, int32_t half_wi
   }
 }
 
-// Half of a window size as a 16-bit value: sizes beyond 65536 come out wrong, and below 1 cannot be used.
-int16_t half_size(int32_t window_size) { return static_cast<int16_t>((static_cast<int64_t>(window_size) - 1) / 2); }
+constexpr int32_t kSmallestWindow = 3;
+
+// Half of a window size as a 16-bit value, in which sizes count modulo 131072; 0 or less cannot be used.
+int16_t half_size(int32_t window_size) {
+  return window_size < kSmallestWindow ? int16_t{0} : static_cast<int16_t>((window_size - 1) / 2);
+}
 
 }  // namespace
 
