@@ -22,8 +22,11 @@ struct Means {
 void take_strip_means(const uint8_t* image, int32_t width, int32_t height, Means* means, int32_t sectors) {
   uint16_t partial_sums[kStripSectors * kSector];
   uint8_t partial_counts[kStripSectors * kSector];
-  uint64_t sums[kStripSectors][kMeasured] = {};
-  uint32_t counts[kStripSectors][kMeasured] = {};
+  uint64_t sums[kStripSectors][kMeasured];
+  uint32_t counts[kStripSectors][kMeasured];
+  for (int32_t s = 0; s < sectors; s++) {
+    for (int32_t j = 0; j < kMeasured; j++) sums[s][j] = counts[s][j] = 0;
+  }
   for (int32_t y = 0; y < height;) {
     const int32_t rows = std::min(quo::kPartialRows, height - y);
     const uint8_t* const top = image + static_cast<ptrdiff_t>(y) * width;
