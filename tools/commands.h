@@ -34,5 +34,6 @@ void add_best(Commands& commands);
 void add_gain(Commands& commands);
 
 // Image operator toolbox
+void add_op(Commands& commands);
 
 }  // namespace quofp

@@ -34,6 +34,7 @@ constexpr void (*kCommands[])(Commands&) = {
     add_gain, add_best,
 
     // Image operator toolbox
+    add_op,
 };
 
 std::string version() {
