@@ -990,7 +990,7 @@ QUO_API uint32_t tev_GetFingerMean(const uint8_t *frame, int32_t width, int32_t 
  *
  *  One step of the DAC moves the mean by 0.145 gray levels times the three gains, up or down by mode.
  *
- *  @param settings_in   the present settings; of the indices only the low 3, 2 and 2 bits are looked at
+ *  @param settings_in   the present settings, required; of the indices only the low 3, 2 and 2 bits are looked at
  *  @param settings_out  receives the settings with the new DAC value, truncated and limited to 0..255, 0 for a mean
  *                       that is not a number; may be settings_in
  *  @param target        the wanted mean gray
@@ -1256,7 +1256,8 @@ QUO_API void MyCrossErode(const uint8_t *mask, uint8_t *output, int32_t width, i
  *  @param max_x   receives the last column of the region
  *  @param max_y   receives the last row of the region
  *  @return QUO_OK; QUO_NO_MEMORY with nothing written when scratch memory (two bytes a pixel; eight for an image of
- *          more than 256 columns or rows) could not be allocated, and also for a seed outside the image or a label of 0
+ *          more than 256 columns or rows) could not be allocated, and also for a seed outside the image, a label of 0,
+ *          or a width or height above 2^31 - 1
  */
 QUO_API uint32_t RegionGrowByEightNeighbor(int32_t seed_x, int32_t seed_y, uint32_t label, const uint8_t *image,
                                            uint32_t width, uint32_t height, uint8_t *labels, uint32_t *count,
