@@ -19,7 +19,7 @@ struct Region {
 template <typename Coordinate>
 class Growth {
  public:
-  Growth(const uint8_t* image, uint8_t* labels, uint32_t width, uint32_t height, uint8_t label)
+  Growth(const uint8_t* image, uint8_t* labels, ptrdiff_t width, ptrdiff_t height, uint8_t label)
       : image_(image), labels_(labels), width_(width), height_(height), label_(label) {}
 
   bool allocate() {
@@ -33,7 +33,8 @@ class Growth {
     labels_[y * width_ + x] = label_;
     for (const ptrdiff_t row : {y - 1, y, y + 1}) visit(row, x - 1, x + 1);
     for (size_t run = 0; run < runs_; run++) {
-      const ptrdiff_t first = queue_x_[2 * run], last = queue_x_[2 * run + 1], row = queue_y_[run];
+      const auto first = static_cast<ptrdiff_t>(queue_x_[2 * run]), last = static_cast<ptrdiff_t>(queue_x_[2 * run + 1]);
+      const auto row = static_cast<ptrdiff_t>(queue_y_[run]);
       visit(row - 1, first - 1, last + 1);
       visit(row + 1, first - 1, last + 1);
     }
@@ -99,10 +100,11 @@ uint32_t RegionGrowByEightNeighbor(int32_t seed_x, int32_t seed_y, uint32_t labe
   const bool seed_inside = seed_x >= 0 && static_cast<uint32_t>(seed_x) < width &&  //
                            seed_y >= 0 && static_cast<uint32_t>(seed_y) < height;
   if (label_byte == 0 || !seed_inside || width > INT32_MAX || height > INT32_MAX) return QUO_NO_MEMORY;
+  const auto columns = static_cast<ptrdiff_t>(width), rows = static_cast<ptrdiff_t>(height);
   Region region;
   const bool grown = width <= kByteRange && height <= kByteRange
-                         ? grow(Growth<uint8_t>(image, labels, width, height, label_byte), seed_x, seed_y, region)
-                         : grow(Growth<uint32_t>(image, labels, width, height, label_byte), seed_x, seed_y, region);
+                         ? grow(Growth<uint8_t>(image, labels, columns, rows, label_byte), seed_x, seed_y, region)
+                         : grow(Growth<uint32_t>(image, labels, columns, rows, label_byte), seed_x, seed_y, region);
   if (!grown) return QUO_NO_MEMORY;
   store(count, region.count);
   store(min_x, region.min_x);

@@ -50,7 +50,10 @@ int main(int argc, char **argv) {
   }
   preprocess_function *preprocess = NULL;
   *(void **)&preprocess = dlsym(library, "FP_ImagePreproc");
-  if (preprocess == NULL) return 1;
+  void (*own_log)(const char *, uint32_t) = NULL;
+  *(void **)&own_log = dlsym(library, "tev_quo_log");
+  if (preprocess == NULL || own_log == NULL) return 1;
+  own_log(NULL, 0); /* does nothing, with anything */
 
   static uint8_t frame[64 * 64];
   for (int i = 0; i < 64 * 64; i++) frame[i] = (uint8_t)(90 + (i / 4 % 2) * 20);
