@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 
 #include <map>
 
@@ -97,6 +98,22 @@ TEST(FP_ChooseBestHist, CountsModulo65536) {
   EXPECT_EQ(choose({frame_of({{14, 600}, {20, 1400}, {190, 65535}}, width, height)}, width, height), kNoChoice);
   EXPECT_EQ(choose({frame_of({{14, 65536 + 500}, {20, 1500}}, width, height)}, width, height), kNoChoice);
   EXPECT_EQ(choose({frame_of({{14, 65536 + 501}, {20, 1499}}, width, height)}, width, height), 0);
+}
+
+// A row beyond the first 2^30 pixels decides; the 2^30 black ones before it vanish from counts modulo 65536.
+TEST(FP_ChooseBestHist, CountsEveryPixelOfAHugeFrame) {
+  if (sizeof(void*) < 8) GTEST_SKIP() << "no room for 2^30 pixels";
+  const int32_t width = 65536, height = 16385;
+  const size_t size = size_t{65536} * 16385, row = size_t{65536} * 16384;
+  void* const memory = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+  ASSERT_NE(memory, MAP_FAILED);
+  auto* const frame = static_cast<uint8_t*>(memory);
+  for (int32_t x = 0; x < width; x++) frame[row + static_cast<size_t>(x)] = x < 26000 ? 100 : 140;
+  uint8_t chosen = 77;
+  const uint8_t* const frames[] = {frame};
+  EXPECT_EQ(FP_ChooseBestHist(frames, 1, width, height, &chosen), QUO_OK);
+  EXPECT_EQ(chosen, 0);
+  munmap(memory, size);
 }
 
 TEST(FP_ChooseBestHist, ReadsOnlyTheFrames) {

@@ -78,24 +78,27 @@ TEST(CheckBadLine, TellsRowsFromColumnsAtTheJumpLimit) {
   EXPECT_EQ(hooks().live_blocks, 0U);
 }
 
-// Dark means below 0.9 of the reference, truncated and capped at 230. A row at the limit lies between a bright row and
-// rows that are not dark, first before it, then after: the bright row is marked when the span reaches the limit row.
+// Dark means below 0.9 of the reference, truncated and capped at 230. A line at the limit lies between a bright line and
+// lines that are not dark, first before it, then after: the bright line is marked when the span reaches the limit line.
 TEST(CheckBadLine, InspectsBetweenDarkLines) {
   struct Case {
     uint8_t reference;
-    int limit_row_sum;  // of ten pixels
+    int limit_sum;  // of the ten pixels of the line
     bool marked;
   };
   for (const Case& c : {Case{220, 1979, true}, Case{220, 1980, false}, Case{250, 2069, true}, Case{250, 2070, false}}) {
     for (const bool mirrored : {false, true}) {
-      const Image image(10, 10, [&](int32_t x, int32_t row) {
-        const int32_t y = mirrored ? 10 - row : row;
-        if (y == 4) return c.limit_row_sum / 10 + (x < c.limit_row_sum % 10);
-        return y < 4 || y == 10 ? 230 : y == 5 ? 255 : 140;
-      });
-      uint32_t row_pixels = 99;
-      CheckBadLine(image.data(), 10, 10, c.reference, nullptr, &row_pixels, nullptr, nullptr);
-      EXPECT_EQ(row_pixels, c.marked ? 10U : 0U) << int{c.reference} << " " << c.limit_row_sum << " " << mirrored;
+      const auto gray = [&](int32_t position, int32_t number) {
+        const int32_t line = mirrored ? 10 - number : number;
+        if (line == 4) return c.limit_sum / 10 + (position < c.limit_sum % 10);
+        return line < 4 || line == 10 ? 230 : line == 5 ? 255 : 140;
+      };
+      const Image rows(10, 10, gray), columns(10, 10, [&](int32_t x, int32_t y) { return gray(y, x); });
+      uint32_t row_pixels = 99, column_pixels = 99;
+      CheckBadLine(rows.data(), 10, 10, c.reference, nullptr, &row_pixels, nullptr, nullptr);
+      CheckBadLine(columns.data(), 10, 10, c.reference, &column_pixels, nullptr, nullptr, nullptr);
+      EXPECT_EQ(row_pixels, c.marked ? 10U : 0U) << int{c.reference} << " " << c.limit_sum << " " << mirrored;
+      EXPECT_EQ(column_pixels, row_pixels) << int{c.reference} << " " << c.limit_sum << " " << mirrored;
     }
   }
 }

@@ -64,6 +64,20 @@ TEST_P(DefectCheck, HoldsPixelsAndLinesEachAgainstTheAllowance) {
   EXPECT_THAT(hooks().sizes, testing::ElementsAre(6400));
 }
 
+// In frames of more than 256 lines the span's indices wrap: from 256 to 356 is from 0 to 100, and 1 can be marked.
+TEST_P(DefectCheck, RepairsTheSecondLineOfAFrameWithManyLines) {
+  for (const bool rows : {false, true}) {
+    const auto line_gray = [](int32_t line) { return line == 1 ? 200 : line == 256 || line == 356 ? 100 : 255; };
+    const Image frame = rows ? Image(8, 600, [&](int32_t, int32_t y) { return line_gray(y); })
+                             : Image(600, 8, [&](int32_t x, int32_t) { return line_gray(x); });
+    Image expected = frame;
+    rows ? fill_row(expected, 1, 255) : fill_column(expected, 1, 255);
+    const Checked checked = check(GetParam(), frame, 8);
+    EXPECT_EQ(checked.fail, 0);
+    EXPECT_EQ(checked.frame, expected) << (rows ? "rows" : "columns");
+  }
+}
+
 TEST_P(DefectCheck, RepairsNothingWhenMemoryFails) {
   Image frame = sound_frame();
   fill_row(frame, 91, 255);

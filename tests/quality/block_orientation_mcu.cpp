@@ -64,6 +64,28 @@ TEST(BlockOrientation_MCU, EqualsItsDefinitionOnItsThresholds) {
   EXPECT_THAT(codes, testing::Each(testing::Gt(20)));
 }
 
+// The clearest pair of lines varies as 27 to 60, another as 54 to 60: in single precision exactly the least difference
+// that makes a direction. One gray level less across, and there is none.
+TEST(BlockOrientation_MCU, TakesTheLeastDifferenceBetweenPairs) {
+  for (const bool clear : {true, false}) {
+    Image image(13, 13, [](int32_t x, int32_t y) { return 60 + (x + y) % 2 * 80; });
+    const auto set = [&](int32_t dx, int32_t dy, int32_t difference) {
+      for (const int32_t n : {-3, -2, -1, 1, 2, 3}) image.at(6 + n * dx, 6 + n * dy) = static_cast<uint8_t>(100 + difference);
+    };
+    image.at(6, 6) = 100;
+    set(2, 0, 9), set(0, 2, 10);                     // 54 along the row, 60 along the column
+    set(2, 2, 9), set(2, -2, 20);                    // 54 and 120
+    for (const int32_t n : {-3, -2, -1, 1, 2, 3}) {  // the lines between vary too little to count
+      image.at(6 + 2 * n, 6 + n) = image.at(6 + n, 6 + 2 * n) = 100;
+      image.at(6 + 2 * n, 6 - n) = image.at(6 + n, 6 - 2 * n) = 100;
+    }
+    if (!clear) image.at(12, 0) = 119;
+    const naive::Records expected = naive::sparse_blocks(image);
+    EXPECT_EQ(measured(image), expected);
+    EXPECT_EQ(expected[0].direction > 0, clear);
+  }
+}
+
 TEST(BlockOrientation_MCU, GivesTheKnownRecordsOfUniformAndStripedFrames) {
   const struct {
     const char* name;
