@@ -28,6 +28,7 @@
 /** Version of the algorithm set, as FP_GetVersion() returns it. */
 #define QUO_VERSION 75
 
+/** Marks what the library exports. */
 #if defined(__GNUC__)
 #define QUO_API __attribute__((visibility("default")))
 #else
@@ -80,6 +81,8 @@ QUO_API void tev_quo_free(void *block);
 
 /** Angle of the vector (x, y); forwards to the platform's atan2.
  *
+ *  @param y  vertical component
+ *  @param x  horizontal component
  *  @return radians from -pi to pi
  */
 QUO_API double tev_quo_atan2(double y, double x);
@@ -128,7 +131,8 @@ QUO_API void *quo_memcpy(void *destination, const void *source, uint32_t count);
  *  differs from the exact root in its last bits, for perfect squares too (quo_sqrt(49) is 6.9999995), and thresholds
  *  elsewhere in the library follow these values.
  *
- *  @param x  a value of 0 or more; quo_sqrt(0) is about 2.2e-20. Other values give what the steps produce.
+ *  @param x  a value of 0 or more; other values give what the steps produce
+ *  @return about the root of x; about 2.2e-20 for 0
  */
 QUO_API float quo_sqrt(float x);
 
@@ -299,7 +303,7 @@ QUO_API uint32_t FP_GetBlockValidArea(const uint8_t *frame, int32_t width, int32
  */
 QUO_API void FillBorders(uint8_t *image, int32_t width, int32_t height, uint8_t flags);
 
-/** Removes vertical stripes; the same as RemoveVerticalStripes_All(). */
+/** The same as RemoveVerticalStripes_All(). @copydetails RemoveVerticalStripes_All */
 QUO_API uint8_t RemoveVerticalStripes(const uint8_t *source, uint8_t *destination, int32_t width, int32_t height);
 
 /** Removes vertical stripes: columns brighter or darker than those around them.
@@ -380,9 +384,15 @@ QUO_API uint32_t FP_ImagePreproc(uint8_t *frame, int32_t width, int32_t height, 
 
 /** First step of the preprocessing: replaces border lines, checks the coverage, removes vertical stripes.
  *
- *  Parameters as for FP_ImagePreproc(). Traces "FP_ImagePreproc_Step1", "FillBorders" and "RemoveVerticalStripes" as it
- *  gets there, and "FP_ImagePreproc_Step1_FunEnd" on every return.
+ *  Traces "FP_ImagePreproc_Step1", "FillBorders" and "RemoveVerticalStripes" as it gets there, and
+ *  "FP_ImagePreproc_Step1_FunEnd" on every return.
  *
+ *  @param frame         as for FP_ImagePreproc(), like the others
+ *  @param width         pixels per row
+ *  @param height        rows
+ *  @param bg            background value or 0
+ *  @param area          coverage required and measured, or null
+ *  @param border_flags  border lines to replace, a sum of QUO_BORDER_ flags
  *  @return QUO_OK; QUO_NO_IMAGE when frame is null; QUO_LOW_COVERAGE, with the borders replaced and area written, when
  *          the finger covers less than required; QUO_NO_MEMORY, likewise, when the stripes could not be removed
  */
@@ -464,7 +474,7 @@ typedef struct quo_block_record {
 QUO_API uint32_t FP_ImageQuality(const uint8_t *image, int32_t width, int32_t height, uint8_t *quality, uint8_t *area,
                                  uint8_t *bright, uint8_t *mean_gray);
 
-/** The same as FP_ImageQuality(). */
+/** The same as FP_ImageQuality(). @copydetails FP_ImageQuality */
 QUO_API uint32_t FP_ImageQuality_MCU(const uint8_t *image, int32_t width, int32_t height, uint8_t *quality,
                                      uint8_t *area, uint8_t *bright, uint8_t *mean_gray);
 
@@ -713,7 +723,7 @@ QUO_API uint32_t FP_GetBadPixelsNum(const uint8_t *frame, int32_t width, int32_t
 QUO_API uint32_t FP_CheckBadPixelsNum_MCU(uint8_t *frame, int32_t width, int32_t height, int32_t allowance,
                                           uint8_t *fail);
 
-/** The same as FP_CheckBadPixelsNum_MCU(). */
+/** The same as FP_CheckBadPixelsNum_MCU(). @copydetails FP_CheckBadPixelsNum_MCU */
 QUO_API uint32_t FP_CheckBadPixelsNum(uint8_t *frame, int32_t width, int32_t height, int32_t allowance, uint8_t *fail);
 
 /** @} */
