@@ -1,14 +1,62 @@
+#include <bit>
 #include <cstddef>
 
 #include "quoFPAlg.h"
 
 namespace {
 
+// Vectors of the compiler's own, since no plain loop of running sums becomes any: each sum waits for the one before it.
+using Bytes16 = uint8_t __attribute__((vector_size(16)));
+using Words8 = uint16_t __attribute__((vector_size(16)));
+using Sums4 = uint32_t __attribute__((vector_size(16)));
+
+constexpr int32_t kStep = 8;  // pixels at once
+
+// Unaligned loads and stores; the compiler makes one instruction of each.
+template <typename Vector>
+Vector load(const void* from) {
+  Vector vector{};
+  __builtin_memcpy(&vector, from, sizeof vector);
+  return vector;
+}
+
+// Running sums of eight pixels, in three additions of the sums themselves, shifted by 1, 2 and 4 pixels.
+Words8 running_sums(const uint8_t* source) {
+  const Words8 zero{};
+  uint64_t pixels;
+  __builtin_memcpy(&pixels, source, sizeof pixels);
+  using Halves = uint64_t __attribute__((vector_size(16)));
+  const auto bytes = reinterpret_cast<Bytes16>(Halves{pixels, 0});
+  auto sums = reinterpret_cast<Words8>(__builtin_shufflevector(bytes, Bytes16{}, 0, 16, 1, 17, 2, 18, 3, 19,  //
+                                                               4, 20, 5, 21, 6, 22, 7, 23));
+  sums += __builtin_shufflevector(zero, sums, 0, 8, 9, 10, 11, 12, 13, 14);
+  sums += __builtin_shufflevector(zero, sums, 0, 0, 8, 9, 10, 11, 12, 13);
+  sums += __builtin_shufflevector(zero, sums, 0, 0, 0, 0, 8, 9, 10, 11);
+  return sums;
+}
+
+void store_sum(const uint32_t* above, Sums4 run, uint32_t* sums) {
+  const Sums4 sum = load<Sums4>(above) + run;
+  __builtin_memcpy(sums, &sum, sizeof sum);
+}
+
 // One row of the table: the sums of the row above plus the running sum of the source row.
 void accumulate_row(const uint8_t* __restrict source, const uint32_t* __restrict above, uint32_t* __restrict sums,
                     int32_t width) {
-  uint32_t run = 0;
-  for (int32_t x = 0; x < width; x++) {
+  static_assert(std::endian::native == std::endian::little, "a pixel and a zero byte are read as one number");
+  const Words8 zero{};
+  Sums4 before{};  // the sum of the row so far, four times
+  int32_t x = 0;
+  for (; x <= width - kStep; x += kStep) {
+    const Words8 run = running_sums(source + x);
+    const Sums4 low = reinterpret_cast<Sums4>(__builtin_shufflevector(run, zero, 0, 8, 1, 9, 2, 10, 3, 11)) + before;
+    const Sums4 high = reinterpret_cast<Sums4>(__builtin_shufflevector(run, zero, 4, 12, 5, 13, 6, 14, 7, 15)) + before;
+    store_sum(above + x, low, sums + x);
+    store_sum(above + x + 4, high, sums + x + 4);
+    before = __builtin_shufflevector(high, high, 3, 3, 3, 3);
+  }
+  uint32_t run = before[0];
+  for (; x < width; x++) {
     run += source[x];
     sums[x] = run + above[x];
   }
