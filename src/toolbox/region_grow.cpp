@@ -9,6 +9,20 @@ namespace {
 constexpr ptrdiff_t kFrame = 2;       // outermost rows and columns on each side whose pixels never join
 constexpr uint32_t kByteRange = 256;  // columns or rows that a byte can number
 
+// Long runs are looked at and labelled eight pixels at a time.
+constexpr uint64_t kOnes = 0x0101010101010101;
+
+uint64_t eight_at(const uint8_t* bytes) {
+  uint64_t eight;
+  __builtin_memcpy(&eight, bytes, sizeof eight);
+  return eight;
+}
+
+void label_eight(uint8_t* labels, uint8_t label) {
+  const uint64_t eight = kOnes * label;
+  __builtin_memcpy(labels, &eight, sizeof eight);
+}
+
 struct Region {
   ptrdiff_t count;
   ptrdiff_t min_x, min_y, max_x, max_y;
@@ -42,21 +56,42 @@ class Growth {
   }
 
  private:
+  // A row as the loops below see it. Copies of the members, which a store of a label might change for all that the
+  // compiler knows.
+  struct Row {
+    const uint8_t* image;
+    uint8_t* labels;
+    uint8_t gray;
+    uint8_t label;
+
+    bool joins(ptrdiff_t x) const { return labels[x] == 0 && image[x] == gray; }
+    bool eight_join(ptrdiff_t x) const { return eight_at(labels + x) == 0 && eight_at(image + x) == kOnes * gray; }
+    bool eight_labelled(ptrdiff_t x) const {
+      const uint64_t eight = eight_at(labels + x);
+      return ((eight - kOnes) & ~eight & kOnes * 0x80) == 0;  // no byte of them is 0
+    }
+  };
+
   // Lets every run of a row join that has a pixel in the given columns.
   void visit(ptrdiff_t y, ptrdiff_t first, ptrdiff_t last) {
     if (y < kFrame || y >= height_ - kFrame) return;
+    const Row row{image_ + y * width_, labels_ + y * width_, gray_, label_};
     last = std::min(last, width_ - kFrame - 1);
     for (ptrdiff_t x = std::max(first, kFrame); x <= last; x++) {
-      if (joins(x, y)) x = add_run(x, y) + 1;
+      while (x + 7 <= last && row.eight_labelled(x)) x += 8;
+      if (x <= last && row.joins(x)) x = add_run(row, x, y) + 1;
     }
   }
 
   // Labels and queues the run around a pixel. Returns the run's last column.
-  ptrdiff_t add_run(ptrdiff_t x, ptrdiff_t y) {
+  ptrdiff_t add_run(const Row row, ptrdiff_t x, ptrdiff_t y) {
+    const ptrdiff_t end = width_ - kFrame;
     ptrdiff_t first = x, last = x;
-    while (first > kFrame && joins(first - 1, y)) first--;
-    while (last < width_ - kFrame - 1 && joins(last + 1, y)) last++;
-    for (ptrdiff_t i = first; i <= last; i++) labels_[y * width_ + i] = label_;
+    for (; first - 8 >= kFrame && row.eight_join(first - 8); first -= 8) label_eight(row.labels + first - 8, row.label);
+    for (; first > kFrame && row.joins(first - 1); first--) row.labels[first - 1] = row.label;
+    for (; last + 8 < end && row.eight_join(last + 1); last += 8) label_eight(row.labels + last + 1, row.label);
+    for (; last + 1 < end && row.joins(last + 1); last++) row.labels[last + 1] = row.label;
+    row.labels[x] = row.label;
     region_ = {region_.count + last - first + 1, std::min(region_.min_x, first), std::min(region_.min_y, y),
                std::max(region_.max_x, last), std::max(region_.max_y, y)};
     // Runs of a row are a pixel apart: (width - 3) / 2 of them at most, so two entries each fit in the queue.
@@ -65,8 +100,6 @@ class Growth {
     queue_y_[runs_++] = static_cast<Coordinate>(y);
     return last;
   }
-
-  bool joins(ptrdiff_t x, ptrdiff_t y) const { return labels_[y * width_ + x] == 0 && image_[y * width_ + x] == gray_; }
 
   const uint8_t* image_;
   uint8_t* labels_;
