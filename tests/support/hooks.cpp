@@ -3,7 +3,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
-#include <set>
+#include <vector>
 
 #include "quoFPAlg.h"
 
@@ -12,7 +12,7 @@ namespace {
 
 struct State {
   HookRecord record;
-  std::set<void*> live;
+  std::vector<void*> live;
   uint64_t failing_index = UINT64_MAX;
   bool fail_later = false;
   double (*arctangent)(double y, double x) = nullptr;
@@ -64,7 +64,7 @@ void* tev_quo_malloc(uint32_t size) {
   void* const block = std::malloc(size > 0 ? size : 1);
   if (block == nullptr) return nullptr;
   std::memset(block, s.fresh_byte, size);
-  s.live.insert(block);
+  s.live.push_back(block);
   s.record.live_blocks = s.live.size();
   return block;
 }
@@ -72,7 +72,7 @@ void* tev_quo_malloc(uint32_t size) {
 void tev_quo_free(void* block) {
   if (block == nullptr) return;
   auto& s = state();
-  if (s.live.erase(block) == 0) s.record.bad_frees++;
+  if (std::erase(s.live, block) == 0) s.record.bad_frees++;
   s.record.live_blocks = s.live.size();
   std::free(block);
 }
