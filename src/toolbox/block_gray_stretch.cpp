@@ -7,26 +7,12 @@
 namespace {
 
 constexpr int32_t kFlatSpan = 10;  // gray levels; a block that spans no more is left alone
+constexpr int32_t kChunk = 256;    // columns of a block whose extremes are found at a time
 
 struct Range {
-  uint8_t lo = 255;
-  uint8_t hi = 0;
+  uint8_t lo;
+  uint8_t hi;
 };
-
-void widen(Range& range, const uint8_t* pixels, int32_t count) {
-  uint8_t lo = range.lo, hi = range.hi;
-  for (int32_t i = 0; i < count; i++) {
-    lo = std::min(lo, pixels[i]);
-    hi = std::max(hi, pixels[i]);
-  }
-  range = {lo, hi};
-}
-
-void stretch_row(const uint8_t* __restrict source, uint8_t* __restrict output, int32_t count, Range range) {
-  for (int32_t i = 0; i < count; i++) {
-    output[i] = static_cast<uint8_t>(quo::stretched(source[i], range.lo, range.hi));
-  }
-}
 
 struct Block {
   ptrdiff_t offset;  // of its top left pixel
@@ -34,14 +20,39 @@ struct Block {
   int32_t height;
 };
 
+void widen(const uint8_t* __restrict pixels, uint8_t* __restrict lo, uint8_t* __restrict hi, int32_t count) {
+  for (int32_t i = 0; i < count; i++) {
+    lo[i] = std::min(lo[i], pixels[i]);
+    hi[i] = std::max(hi[i], pixels[i]);
+  }
+}
+
+// The extremes of each column first, so that rows of a few pixels are compared side by side.
+Range range_of(const uint8_t* source, ptrdiff_t stride, const Block& block) {
+  Range range{255, 0};
+  for (int32_t x = 0, count = 0; x < block.width; x += count) {
+    uint8_t lo[kChunk], hi[kChunk];
+    count = std::min(kChunk, block.width - x);
+    for (int32_t i = 0; i < count; i++) lo[i] = hi[i] = source[block.offset + x + i];
+    for (int32_t y = 1; y < block.height; y++) widen(source + block.offset + y * stride + x, lo, hi, count);
+    for (int32_t i = 0; i < count; i++) range = {std::min(range.lo, lo[i]), std::max(range.hi, hi[i])};
+  }
+  return range;
+}
+
+void stretch_row(const uint8_t* __restrict source, uint8_t* __restrict output, int32_t count,
+                 const quo::StretchedRange& stretched) {
+  for (int32_t i = 0; i < count; i++) output[i] = stretched(source[i]);
+}
+
 // Returns the number of pixels written.
 uint32_t stretch_block(const uint8_t* source, uint8_t* output, ptrdiff_t stride, const Block& block) {
-  Range range;
-  for (int32_t y = 0; y < block.height; y++) widen(range, source + block.offset + y * stride, block.width);
+  const Range range = range_of(source, stride, block);
   if (range.hi - range.lo <= kFlatSpan) return 0;
+  const quo::StretchedRange stretched(range.lo, range.hi);
   for (int32_t y = 0; y < block.height; y++) {
     const ptrdiff_t row = block.offset + y * stride;
-    stretch_row(source + row, output + row, block.width, range);
+    stretch_row(source + row, output + row, block.width, stretched);
   }
   return static_cast<uint32_t>(block.width) * static_cast<uint32_t>(block.height);
 }

@@ -8,9 +8,14 @@
 
 namespace {
 
+using quo::kWhite;
+
 constexpr int32_t kBrightest = 254;
 constexpr double kTargetMean = 128;
-constexpr double kTargetSpread = 100;  // twice the mean absolute deviation that the balanced image shall have
+constexpr double kTargetSpread = 100;     // twice the mean absolute deviation that the balanced image shall have
+constexpr int32_t kStrip = 1024;          // columns balanced at a time, for their means on the stack
+constexpr double kLargestQuickGain = 16;  // beyond, single precision leaves too much unclear
+constexpr int64_t kLargestQuickWindow = 8000000;  // pixels; their sum fits in 31 bits
 
 struct Frame {
   const uint8_t* pixels;
@@ -26,26 +31,41 @@ struct Global {
   double deviation = 0;  // mean absolute deviation
 };
 
-// Sums of bytes are exact in double as in any integer; the deviations are rounded one by one, in the order of rows.
+struct Total {
+  uint64_t sum = 0;
+  uint64_t count = 0;
+};
+
+void add_row(const uint8_t* pixels, int32_t count, Total& total) {
+  for (int32_t x = 0, chunk = 0; x < count; x += chunk) {
+    chunk = std::min(count - x, int32_t{1} << 16);  // sums of so many bytes fit in 32 bits
+    uint32_t sum = 0, white = 0;
+    for (int32_t i = 0; i < chunk; i++) {
+      const bool is_white = pixels[x + i] == kWhite;
+      sum += is_white ? 0U : pixels[x + i];
+      white += is_white ? 1U : 0U;
+    }
+    total.sum += sum;
+    total.count += static_cast<uint32_t>(chunk) - white;
+  }
+}
+
 bool measure(const Frame& frame, Global& global) {
-  uint64_t sum = 0, count = 0;
+  Total total;
+  for (int32_t y = 1; y < frame.height - 1; y++) add_row(frame.row(y) + 1, frame.width - 2, total);
+  if (total.count == 0) return false;
+  const auto count = static_cast<double>(total.count);
+  global.mean = static_cast<double>(total.sum) / count;  // sums of bytes are exact in double as in any integer
+  double distance[256];
+  for (int32_t v = 0; v < kWhite; v++) distance[v] = std::fabs(v - global.mean);
+  distance[kWhite] = 0;
+  // Rounded one by one, in the order of rows.
+  double distances = 0;
   for (int32_t y = 1; y < frame.height - 1; y++) {
-    for (int32_t x = 1; x < frame.width - 1; x++) {
-      const uint8_t pixel = frame.row(y)[x];
-      sum += pixel != quo::kWhite ? pixel : 0;
-      count += pixel != quo::kWhite ? 1 : 0;
-    }
+    const uint8_t* const row = frame.row(y);
+    for (int32_t x = 1; x < frame.width - 1; x++) distances += distance[row[x]];
   }
-  if (count == 0) return false;
-  global.mean = static_cast<double>(sum) / static_cast<double>(count);
-  double deviations = 0;
-  for (int32_t y = 1; y < frame.height - 1; y++) {
-    for (int32_t x = 1; x < frame.width - 1; x++) {
-      const uint8_t pixel = frame.row(y)[x];
-      if (pixel != quo::kWhite) deviations += std::fabs(pixel - global.mean);
-    }
-  }
-  global.deviation = deviations / static_cast<double>(count);
+  global.deviation = distances / count;
   return 2 * global.deviation != 0;
 }
 
@@ -60,24 +80,42 @@ void integrate(const Frame& frame, uint32_t background, uint32_t* integral) {
     uint32_t run = 0;
     sums[0] = 0;
     for (ptrdiff_t x = 1; x < width - 1; x++) {
-      run += pixels[x] != quo::kWhite ? pixels[x] : background;
+      run += pixels[x] != kWhite ? pixels[x] : background;
       sums[x] = run + sums[x - width];
     }
   }
 }
 
-// The window's columns (or rows) around one: its extent between the outermost ones.
+// The columns or rows of a window, from after the first number to the second.
 struct Extent {
-  ptrdiff_t before;  // the last one before the window
-  ptrdiff_t last;    // the last one of it
+  ptrdiff_t before;
+  ptrdiff_t last;
 
   ptrdiff_t size() const { return last - before; }
 };
 
-Extent extent_around(int32_t position, int32_t half, int32_t length) {
-  return {std::max(position - half, 1) - 1,
-          static_cast<ptrdiff_t>(std::min(int64_t{position} + half, int64_t{length} - 2))};
-}
+struct Windows {
+  const uint32_t* integral;
+  int32_t width;
+  int32_t height;
+  int32_t half_width;
+  int32_t half_height;
+
+  Extent columns(int32_t x) const { return extent(x, half_width, width); }
+  Extent rows(int32_t y) const { return extent(y, half_height, height); }
+
+  uint32_t sum(const Extent& rows, const Extent& columns) const {
+    const uint32_t* const upper = integral + rows.before * width;
+    const uint32_t* const lower = integral + rows.last * width;
+    return lower[columns.last] - lower[columns.before] - upper[columns.last] + upper[columns.before];
+  }
+
+ private:
+  static Extent extent(int32_t position, int32_t half, int32_t length) {
+    const int64_t last = std::min(int64_t{position} + half, int64_t{length} - 2);
+    return {std::max(position - half, 1) - 1, static_cast<ptrdiff_t>(last)};
+  }
+};
 
 struct Balance {
   double mean;
@@ -92,26 +130,88 @@ int16_t truncate(double value) {
   return static_cast<int16_t>(static_cast<int32_t>(value));
 }
 
-uint8_t balanced(uint8_t pixel, uint32_t sum, double window_pixels, const Balance& balance) {
-  const double local = sum / window_pixels;
+// The steps that define a result.
+uint8_t balanced(uint8_t pixel, double local, const Balance& balance) {
   const int16_t moved = truncate(std::fma(balance.mean - local, 0.5, pixel));
   const double scaled = std::fma(moved - local, balance.gain, local);
   return static_cast<uint8_t>(std::clamp<int32_t>(truncate(scaled + balance.shift), 0, kBrightest));
 }
 
-void balance_image(const Frame& frame, const uint32_t* integral, int32_t half_width, int32_t half_height,
-                   const Balance& balance, uint8_t* output) {
+// The means of the windows of a row's columns from `first` on, in single precision.
+void find_means(const Windows& windows, const Extent& rows, int32_t first, int32_t count, float* __restrict means) {
+  const auto mean_at = [&](int32_t x) {
+    const Extent columns = windows.columns(x);
+    return static_cast<float>(windows.sum(rows, columns)) * (1.0F / static_cast<float>(rows.size() * columns.size()));
+  };
+  const int32_t whole = std::clamp(windows.half_width + 1 - first, 0, count);  // windows left of it are cut at the edge
+  const int32_t whole_end = std::clamp(windows.width - 1 - windows.half_width - first, whole, count);
+  for (int32_t i = 0; i < whole; i++) means[i] = mean_at(first + i);
+  if (whole < whole_end) {
+    const Extent columns = windows.columns(first + whole);
+    const float reciprocal = 1.0F / static_cast<float>(rows.size() * columns.size());
+    const uint32_t* const upper = windows.integral + rows.before * windows.width + columns.before;
+    const uint32_t* const lower = windows.integral + rows.last * windows.width + columns.before;
+    const ptrdiff_t span = columns.size();
+    for (int32_t i = 0; i < whole_end - whole; i++) {
+      const uint32_t sum = lower[i + span] - lower[i] - upper[i + span] + upper[i];
+      means[whole + i] = static_cast<float>(static_cast<int32_t>(sum)) * reciprocal;
+    }
+  }
+  for (int32_t i = whole_end; i < count; i++) means[i] = mean_at(first + i);
+}
+
+// Whether a value lies so close to an integer, by `margin` or less, that its whole part is in doubt.
+bool is_close_to_integer(float value, int32_t whole, float margin) {
+  return std::fabs(std::fabs(value - static_cast<float>(whole)) - 0.5F) >= 0.5F - margin;
+}
+
+// Results in single precision; 255, which no result is, for background and where a rounding could decide.
+//
+// With a unit roundoff of u = 2^-24, a mean is off by 3 u and so by less than 2^-14. The moved value adds half of that
+// and three roundings of values below 512: less than 2^-13. Its distance from the mean, below 640, is off by less than
+// 2^-13, the product by 2^-12 of the gain, and the two sums add roundings of 2 u (640 gain + 511) and less than 2^-13 for
+// mean and shift: together less than 2^-11 (gain + 1). The defining steps in double precision are off by far less. With
+// gains up to 16 no value leaves 16 bits.
+void balance_quickly(const uint8_t* __restrict pixels, const float* __restrict means, int32_t count,
+                     const Balance& balance, uint8_t* __restrict output) {
+  constexpr float kMovedMargin = 0x1p-12F;
+  const auto gain = static_cast<float>(balance.gain), shift = static_cast<float>(balance.shift);
+  const auto global_mean = static_cast<float>(balance.mean);
+  const float margin = 0x1p-11F * (gain + 1);
+  for (int32_t i = 0; i < count; i++) {
+    const float moved = static_cast<float>(pixels[i]) + (global_mean - means[i]) * 0.5F;
+    const auto whole_moved = static_cast<int32_t>(moved);
+    const float scaled = (static_cast<float>(whole_moved) - means[i]) * gain + means[i] + shift;
+    const auto whole = static_cast<int32_t>(scaled);
+    const bool unclear = is_close_to_integer(moved, whole_moved, kMovedMargin) |
+                         is_close_to_integer(scaled, whole, margin) | (pixels[i] == kWhite);
+    output[i] = static_cast<uint8_t>(unclear ? kWhite : std::clamp(whole, 0, kBrightest));
+  }
+}
+
+void balance_image(const Frame& frame, const Windows& windows, const Balance& balance, uint8_t* output) {
+  const int64_t largest_window = (int64_t{2} * windows.half_width + 1) * (int64_t{2} * windows.half_height + 1);
+  const bool quick = balance.gain <= kLargestQuickGain && largest_window <= kLargestQuickWindow;
   for (int32_t y = 0; y < frame.height; y++) {
-    const Extent rows = extent_around(y, half_height, frame.height);
-    const uint32_t* const upper = integral + rows.before * frame.width;
-    const uint32_t* const lower = integral + rows.last * frame.width;
-    for (int32_t x = 0; x < frame.width; x++) {
-      const Extent columns = extent_around(x, half_width, frame.width);
-      const uint8_t pixel = frame.row(y)[x];
-      const uint32_t sum = lower[columns.last] - lower[columns.before] - upper[columns.last] + upper[columns.before];
-      const auto window_pixels = static_cast<double>(rows.size() * columns.size());
-      uint8_t& result = output[static_cast<ptrdiff_t>(y) * frame.width + x];
-      result = pixel == quo::kWhite ? pixel : balanced(pixel, sum, window_pixels, balance);
+    const Extent rows = windows.rows(y);
+    const uint8_t* const pixels = frame.row(y);
+    uint8_t* const results = output + static_cast<ptrdiff_t>(y) * frame.width;
+    for (int32_t x = 0, count = 0; x < frame.width; x += count) {
+      float means[kStrip];
+      count = std::min(kStrip, frame.width - x);
+      if (quick) {
+        find_means(windows, rows, x, count, means);
+        balance_quickly(pixels + x, means, count, balance, results + x);
+      }
+      for (int32_t i = x; i < x + count; i++) {
+        if (pixels[i] == kWhite)
+          results[i] = kWhite;
+        else if (!quick || results[i] == kWhite) {
+          const Extent columns = windows.columns(i);
+          const double local = windows.sum(rows, columns) / static_cast<double>(rows.size() * columns.size());
+          results[i] = balanced(pixels[i], local, balance);
+        }
+      }
     }
   }
 }
@@ -140,7 +240,8 @@ uint32_t LocalGrayBalance(const uint8_t* source, uint8_t* output, int32_t width,
   if (!row_sums.allocate(pixels)) return 0;
   integrate(frame, static_cast<uint32_t>(global.mean + 0.5), integral.get());
   row_sums.reset();
+  const Windows windows{integral.get(), frame.width, frame.height, half_width, half_height};
   const Balance balance{global.mean, kTargetSpread / (2 * global.deviation), kTargetMean - global.mean};
-  balance_image(frame, integral.get(), half_width, half_height, balance, output);
+  balance_image(frame, windows, balance, output);
   return 1;
 }

@@ -23,6 +23,46 @@ TEST(AdaptiveThreshold, EqualsItsLiteralFormForSmallSizesAndSensorSizes) {
   });
 }
 
+// Sums are carried along strips of positions, and a window may be as large as the image.
+TEST(AdaptiveThreshold, EqualsItsLiteralFormAcrossStrips) {
+  Random random(86);
+  expect_thresholded(generate(random, 1100, 9, Fill::kNoise), 7, 1, Guard::kAfter);
+  expect_thresholded(generate(random, 530, 5, Fill::kRidges), 2, 0, Guard::kBefore);
+  expect_thresholded(generate(random, 90, 70, Fill::kNoise), 70, 5, Guard::kAfter);
+  expect_thresholded(generate(random, 40, 60, Fill::kRidges), 40, 0, Guard::kBefore);
+}
+
+// Images of two values 3 to 60 apart, so many of the higher that the deviation of a window is 3 or a hair off it: of an
+// even window exactly 3 when half of its pixels are 6 higher.
+TEST(AdaptiveThreshold, DecidesDeviationsAroundThreeByTheDefiningSteps) {
+  Random random(87);
+  for (int round = 0; round < 400; round++) {
+    const int32_t window = random.between(2, 12), n = window * window;
+    const int32_t base = random.between(0, 190), apart = random.chance(30) ? 6 : random.between(6, 60);
+    int32_t higher = 0;  // the least that gives a variance of 9 or more
+    while (apart * apart * higher * (n - higher) < 9 * n * n && higher < n / 2) higher++;
+    std::vector<uint8_t> tile(static_cast<size_t>(n), static_cast<uint8_t>(base));
+    for (int32_t i = 0; i < higher - random.between(0, 1); i++) {
+      tile[static_cast<size_t>(i * 7 % n)] = static_cast<uint8_t>(base + apart);
+    }
+    const Image image(40, 33, [&](int32_t x, int32_t y) {  // periodic, so that every whole window holds the tile
+      return tile[static_cast<size_t>(y % window * window + x % window)];
+    });
+    expect_thresholded(image, window, random.between(-2, 2), Guard::kAfter);
+  }
+}
+
+// Variances a part in 2^17 off 9 are clear, whatever quo_sqrt() does to the last bits.
+TEST(AdaptiveThreshold, FindsClearDeviationsClear) {
+  const float below = 9.0F * (1 - 0x1p-17F), above = 9.0F * (1 + 0x1p-17F);
+  for (float variance = 8.5F; variance <= below; variance = std::nextafter(variance, 10.0F)) {
+    ASSERT_LT(quo_sqrt(variance), 3.0F) << variance;
+  }
+  for (float variance = above; variance < 9.5F; variance = std::nextafter(variance, 10.0F)) {
+    ASSERT_GE(quo_sqrt(variance), 3.0F) << variance;
+  }
+}
+
 TEST(AdaptiveThreshold, ShrinksTheWindowToTheImage) {
   const Image image(5, 3, {9, 80, 3, 200, 40, 5, 70, 90, 1, 0, 255, 6, 33, 44, 55});
   for (const int32_t window : {4, 5, 100, INT32_MAX, 0, INT32_MIN}) {

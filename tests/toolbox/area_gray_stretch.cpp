@@ -49,6 +49,17 @@ TEST(AreaGrayStretch, LeavesBackgroundOutOfWindowsAndBlackPixelsUnwritten) {
   EXPECT_EQ(output, Image(5, 1, {9, 251, 101, 251, 9}));
 }
 
+// Columns are looked at in strips, pixels in groups, and windows of more than 257 columns one by one.
+TEST(AreaGrayStretch, EqualsItsLiteralFormAcrossStripsAndForWideWindows) {
+  Random random(89);
+  expect_stretched(generate(random, 1300, 5, Fill::kFlat), 9, 3, Guard::kAfter);
+  for (const int32_t window_width : {255, 257, 258, 259, 401}) {
+    expect_stretched(generate(random, 330, 6, Fill::kBright), window_width, 5, Guard::kBefore);
+    expect_stretched(generate(random, 1030, 3, Fill::kRidges), window_width, 3, Guard::kAfter);
+  }
+  expect_stretched(generate(random, 9, 700, Fill::kBright), 9, 601, Guard::kAfter);
+}
+
 TEST(AreaGrayStretch, TakesWindowsBeyondTheImageAndCopiesBeyond16Bits) {
   Random random(88);
   const Image image = generate(random, 20, 12, Fill::kNoise);

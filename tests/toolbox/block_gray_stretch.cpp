@@ -16,6 +16,16 @@ TEST(BlockGrayStretch, EqualsItsLiteralFormForSmallSizesAndSensorSizes) {
   });
 }
 
+TEST(BlockGrayStretch, FindsTheRangeOfWideBlocks) {
+  for (const int32_t outlier : {0, 255, 256, 511, 598}) {
+    Image image(600, 3, 100), output(600, 3, 99), expected = output;
+    image.at(outlier, 2) = 180;
+    reference::stretch_blocks(image, expected, 599, 3);
+    BlockGrayStretch(image.data(), output.data(), 600, 3, 599, 3);
+    EXPECT_EQ(output, expected) << outlier;
+  }
+}
+
 TEST(BlockGrayStretch, LetsTheLaterBlockWinTheSharedColumn) {
   const Image image(8, 2, [](int32_t x, int32_t) { return 10 + 10 * x; });
   Image output(8, 2);

@@ -39,6 +39,25 @@ TEST(LocalGrayBalance, SaturatesAt32BitsAndKeepsTheLower16) {
   for (int round = 0; round < 4; round++) expect_outlier_balanced(1200, 400, 3);
 }
 
+// Means of whole and half gray levels and round gains put results on integers exactly, or a rounding to either side.
+TEST(LocalGrayBalance, DecidesResultsAtIntegersByTheDefiningSteps) {
+  Random random(94);
+  for (int round = 0; round < 200; round++) {
+    const int32_t base = random.between(20, 200), step = random.between(1, 20);
+    const int32_t period = random.between(1, 4);
+    const Image image(34, 22, [&](int32_t x, int32_t y) {
+      return random.chance(2) ? 255 : base + ((x / period + y / period) % 2 == 0 ? step : -step);
+    });
+    expect_balanced(image, 2 * random.between(1, 4) + 1, 2 * random.between(1, 4) + 1, Guard::kAfter);
+  }
+}
+
+TEST(LocalGrayBalance, EqualsItsLiteralFormAcrossStrips) {
+  Random random(95);
+  expect_balanced(generate(random, 2100, 7, Fill::kRidges), 31, 3, Guard::kAfter);
+  expect_balanced(generate(random, 1100, 7, Fill::kNoise), 3001, 3, Guard::kBefore);
+}
+
 TEST(LocalGrayBalance, BalancesTheCheckerboardByHand) {
   const Image image(6, 6, [](int32_t x, int32_t y) {
     return x == 0 || y == 0 || x == 5 || y == 5 ? 100 : (x + y) % 2 == 0 ? 80 : 120;
