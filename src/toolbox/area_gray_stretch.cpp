@@ -90,7 +90,7 @@ constexpr uint32_t kTextured = 0;       // settled: they do
 
 uint32_t unsettled(const uint32_t* __restrict totals, const uint32_t* __restrict limits, int32_t count) {
   uint32_t number = 0;
-  for (int32_t i = 0; i < count; i++) number += (totals[i] <= limits[i]) & (limits[i] != kFlat) ? 1 : 0;
+  for (int32_t i = 0; i < count; i++) number += static_cast<uint32_t>((totals[i] <= limits[i]) & (limits[i] != kFlat));
   return number;
 }
 
@@ -105,7 +105,7 @@ class Strip {
         count_(std::min(kColumns - 2 * half.width, frame.width - left)),
         columns_(count_ + 2 * half.width),
         inside_(std::max(half.width - left, 0)),
-        inside_count_(std::min(columns_, frame.width - left + half.width) - inside_) {}
+        inside_count_(at_most(columns_, int64_t{frame.width} - left + half.width) - inside_) {}
 
   int32_t count() const { return count_; }
 
@@ -126,6 +126,9 @@ class Strip {
   }
 
  private:
+  // Columns right of an image may be beyond what 32 bits count.
+  static int32_t at_most(int32_t limit, int64_t value) { return value < limit ? static_cast<int32_t>(value) : limit; }
+
   const uint8_t* inside_row(int32_t y) const { return frame_.row(y) + (left_ - half_.width + inside_); }
   const uint8_t* pixel_row(int32_t y) const { return frame_.row(y) + left_; }
 
@@ -192,9 +195,10 @@ class Strip {
   void add_row_distances(int32_t y, int32_t j, int32_t first, int32_t count, uint16_t* distances) const {
     const uint8_t* const pixels = pixel_row(y) + first;
     for (int32_t shift = -half_.width; shift <= half_.width; shift++) {
-      const int32_t x = left_ + first + shift;  // of the first pixel's neighbour
-      const int32_t begin = std::max(-x, 0), end = std::min(count, frame_.width - x);
-      if (begin < end) add_distances(frame_.row(j) + x + begin, pixels + begin, distances + begin, end - begin);
+      const int64_t x = int64_t{left_} + first + shift;  // of the first pixel's neighbour
+      const int32_t begin = x < 0 ? static_cast<int32_t>(-x) : 0, end = at_most(count, frame_.width - x);
+      if (begin >= end) continue;
+      add_distances(frame_.row(j) + static_cast<ptrdiff_t>(x + begin), pixels + begin, distances + begin, end - begin);
     }
   }
 

@@ -160,9 +160,9 @@ void find_means(const Windows& windows, const Extent& rows, int32_t first, int32
   for (int32_t i = whole_end; i < count; i++) means[i] = mean_at(first + i);
 }
 
-// Whether a value lies so close to an integer, by `margin` or less, that its whole part is in doubt.
-bool is_close_to_integer(float value, int32_t whole, float margin) {
-  return std::fabs(std::fabs(value - static_cast<float>(whole)) - 0.5F) >= 0.5F - margin;
+// 1 where a value lies so close to an integer, by `margin` or less, that its whole part is in doubt, else 0.
+int32_t is_close_to_integer(float value, int32_t whole, float margin) {
+  return static_cast<int32_t>(std::fabs(std::fabs(value - static_cast<float>(whole)) - 0.5F) >= 0.5F - margin);
 }
 
 // Results in single precision; 255, which no result is, for background and where a rounding could decide.
@@ -183,9 +183,9 @@ void balance_quickly(const uint8_t* __restrict pixels, const float* __restrict m
     const auto whole_moved = static_cast<int32_t>(moved);
     const float scaled = (static_cast<float>(whole_moved) - means[i]) * gain + means[i] + shift;
     const auto whole = static_cast<int32_t>(scaled);
-    const bool unclear = is_close_to_integer(moved, whole_moved, kMovedMargin) |
-                         is_close_to_integer(scaled, whole, margin) | (pixels[i] == kWhite);
-    output[i] = static_cast<uint8_t>(unclear ? kWhite : std::clamp(whole, 0, kBrightest));
+    const int32_t unclear = is_close_to_integer(moved, whole_moved, kMovedMargin) |
+                            is_close_to_integer(scaled, whole, margin) | static_cast<int32_t>(pixels[i] == kWhite);
+    output[i] = static_cast<uint8_t>(unclear != 0 ? kWhite : std::clamp(whole, 0, kBrightest));
   }
 }
 
