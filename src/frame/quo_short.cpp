@@ -10,18 +10,18 @@ namespace {
 constexpr ptrdiff_t kInsertionSize = 24;
 
 bool is_sorted_run(const double* first, const double* last) {
-  for (const double* value = first + 1; value < last; value++) {
-    if (*value < value[-1]) return false;
+  for (ptrdiff_t i = 1; i < last - first; i++) {
+    if (first[i] < first[i - 1]) return false;
   }
   return true;
 }
 
 void insertion_sort(double* first, double* last) {
-  for (double* next = first + 1; next < last; next++) {
-    const double value = *next;
-    double* hole = next;
-    for (; hole > first && value < hole[-1]; hole--) *hole = hole[-1];
-    *hole = value;
+  for (ptrdiff_t i = 1; i < last - first; i++) {
+    const double value = first[i];
+    ptrdiff_t hole = i;
+    for (; hole > 0 && value < first[hole - 1]; hole--) first[hole] = first[hole - 1];
+    first[hole] = value;
   }
 }
 

@@ -48,10 +48,10 @@ uint8_t filter_at_edge(const uint8_t* image, const Field& field, int32_t x, int3
   int32_t sum = 0;
   int32_t total = 0;
   for (int i = 0; i < kSites; i++) {
-    const int32_t site_x = x + g_DDSite[direction_class][i][0];
-    const int32_t site_y = y + g_DDSite[direction_class][i][1];
+    const int64_t site_x = int64_t{x} + g_DDSite[direction_class][i][0];
+    const int64_t site_y = int64_t{y} + g_DDSite[direction_class][i][1];
     if (site_x < 0 || site_x >= field.width || site_y < 0 || site_y >= field.height) continue;
-    sum += kWeights[i] * image[static_cast<ptrdiff_t>(site_y) * field.width + site_x];
+    sum += kWeights[i] * image[static_cast<ptrdiff_t>(site_y * field.width + site_x)];
     total += kWeights[i];
   }
   return static_cast<uint8_t>(std::clamp(sum / total, 0, kBrightest));
