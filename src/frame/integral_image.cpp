@@ -1,3 +1,5 @@
+#include "frame/integral_image.h"
+
 #include <bit>
 #include <cstddef>
 
@@ -40,29 +42,29 @@ void store_sum(const uint32_t* above, Sums4 run, uint32_t* sums) {
   __builtin_memcpy(sums, &sum, sizeof sum);
 }
 
-// One row of the table: the sums of the row above plus the running sum of the source row.
-void accumulate_row(const uint8_t* __restrict source, const uint32_t* __restrict above, uint32_t* __restrict sums,
-                    int32_t width) {
+}  // namespace
+
+uint32_t quo::add_running_sums(const uint8_t* __restrict source, const uint32_t* __restrict above,
+                               uint32_t* __restrict sums, int32_t width, uint32_t run) {
   static_assert(std::endian::native == std::endian::little, "a pixel and a zero byte are read as one number");
   const Words8 zero{};
-  Sums4 before{};  // the sum of the row so far, four times
+  Sums4 before = Sums4{} + run;
   int32_t x = 0;
   for (; x <= width - kStep; x += kStep) {
-    const Words8 run = running_sums(source + x);
-    const Sums4 low = reinterpret_cast<Sums4>(__builtin_shufflevector(run, zero, 0, 8, 1, 9, 2, 10, 3, 11)) + before;
-    const Sums4 high = reinterpret_cast<Sums4>(__builtin_shufflevector(run, zero, 4, 12, 5, 13, 6, 14, 7, 15)) + before;
+    const Words8 part = running_sums(source + x);
+    const Sums4 low = reinterpret_cast<Sums4>(__builtin_shufflevector(part, zero, 0, 8, 1, 9, 2, 10, 3, 11)) + before;
+    const Sums4 high = reinterpret_cast<Sums4>(__builtin_shufflevector(part, zero, 4, 12, 5, 13, 6, 14, 7, 15)) + before;
     store_sum(above + x, low, sums + x);
     store_sum(above + x + 4, high, sums + x + 4);
     before = __builtin_shufflevector(high, high, 3, 3, 3, 3);
   }
-  uint32_t run = before[0];
+  run = before[0];
   for (; x < width; x++) {
     run += source[x];
     sums[x] = run + above[x];
   }
+  return run;
 }
-
-}  // namespace
 
 void GetGrayIntegralImage(const uint8_t* source, uint32_t* integral, int32_t width, int32_t height, int32_t stride) {
   if (width < 0 || height < 0) return;
@@ -72,7 +74,7 @@ void GetGrayIntegralImage(const uint8_t* source, uint32_t* integral, int32_t wid
     uint32_t* const above = integral;
     integral += row;
     integral[0] = 0;
-    accumulate_row(source, above + 1, integral + 1, width);
+    quo::add_running_sums(source, above + 1, integral + 1, width, 0);
     source += stride;
   }
 }

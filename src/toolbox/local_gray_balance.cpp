@@ -3,11 +3,15 @@
 #include <cstddef>
 
 #include "frame/gray.h"
+#include "frame/integral_image.h"
+#include "frame/multiversion.h"
 #include "frame/scratch.h"
 #include "quoFPAlg.h"
+#include "toolbox/global_contrast.h"
 
 namespace {
 
+using quo::GrayFrame;
 using quo::kWhite;
 
 constexpr int32_t kBrightest = 254;
@@ -15,73 +19,26 @@ constexpr double kTargetMean = 128;
 constexpr double kTargetSpread = 100;     // twice the mean absolute deviation that the balanced image shall have
 constexpr int32_t kStrip = 1024;          // columns balanced at a time, for their means on the stack
 constexpr double kLargestQuickGain = 16;  // beyond, single precision leaves too much unclear
-constexpr int64_t kLargestQuickWindow = 8000000;  // pixels; their sum fits in 31 bits
+constexpr int64_t kLargestQuickWindow = 8000000;         // pixels; their sum fits in 31 bits
+constexpr uint64_t kMostQuickPixels = uint64_t{1} << 26;  // whose deviation is known without adding it up
 
-struct Frame {
-  const uint8_t* pixels;
-  int32_t width;
-  int32_t height;
-
-  const uint8_t* row(int32_t y) const { return pixels + static_cast<ptrdiff_t>(y) * width; }
-};
-
-// Of the pixels below 255, the outermost rows and columns left out.
-struct Global {
-  double mean = 0;
-  double deviation = 0;  // mean absolute deviation
-};
-
-struct Total {
-  uint64_t sum = 0;
-  uint64_t count = 0;
-};
-
-void add_row(const uint8_t* pixels, int32_t count, Total& total) {
-  for (int32_t x = 0, chunk = 0; x < count; x += chunk) {
-    chunk = std::min(count - x, int32_t{1} << 16);  // sums of so many bytes fit in 32 bits
-    uint32_t sum = 0, white = 0;
-    for (int32_t i = 0; i < chunk; i++) {
-      const bool is_white = pixels[x + i] == kWhite;
-      sum += is_white ? 0U : pixels[x + i];
-      white += is_white ? 1U : 0U;
-    }
-    total.sum += sum;
-    total.count += static_cast<uint32_t>(chunk) - white;
-  }
-}
-
-bool measure(const Frame& frame, Global& global) {
-  Total total;
-  for (int32_t y = 1; y < frame.height - 1; y++) add_row(frame.row(y) + 1, frame.width - 2, total);
-  if (total.count == 0) return false;
-  const auto count = static_cast<double>(total.count);
-  global.mean = static_cast<double>(total.sum) / count;  // sums of bytes are exact in double as in any integer
-  double distance[256];
-  for (int32_t v = 0; v < kWhite; v++) distance[v] = std::fabs(v - global.mean);
-  distance[kWhite] = 0;
-  // Rounded one by one, in the order of rows.
-  double distances = 0;
-  for (int32_t y = 1; y < frame.height - 1; y++) {
-    const uint8_t* const row = frame.row(y);
-    for (int32_t x = 1; x < frame.width - 1; x++) distances += distance[row[x]];
-  }
-  global.deviation = distances / count;
-  return 2 * global.deviation != 0;
+void replace_white(const uint8_t* __restrict pixels, uint8_t* __restrict replaced, int32_t count, uint8_t background) {
+  for (int32_t i = 0; i < count; i++) replaced[i] = pixels[i] != kWhite ? pixels[i] : background;
 }
 
 // Entry (x, y) is the sum over columns 1 to x and rows 1 to y, background counting as `background`; row and column 0
 // are zero. The last row and column are not needed. Sums are modulo 2^32.
-void integrate(const Frame& frame, uint32_t background, uint32_t* integral) {
+void integrate(const GrayFrame& frame, uint8_t background, uint32_t* integral) {
   const ptrdiff_t width = frame.width;
   for (ptrdiff_t x = 0; x < width; x++) integral[x] = 0;
   for (int32_t y = 1; y < frame.height - 1; y++) {
-    const uint8_t* const pixels = frame.row(y);
     uint32_t* const sums = integral + y * width;
-    uint32_t run = 0;
-    sums[0] = 0;
-    for (ptrdiff_t x = 1; x < width - 1; x++) {
-      run += pixels[x] != kWhite ? pixels[x] : background;
-      sums[x] = run + sums[x - width];
+    uint32_t run = sums[0] = 0;
+    for (int32_t x = 1, count = 0; x < width - 1; x += count) {
+      uint8_t replaced[kStrip];
+      count = std::min(kStrip, frame.width - 1 - x);
+      replace_white(frame.row(y) + x, replaced, count, background);
+      run = quo::add_running_sums(replaced, sums + x - width, sums + x, count, run);
     }
   }
 }
@@ -121,6 +78,13 @@ struct Balance {
   double mean;
   double gain;
   double shift;
+  double gain_error;  // a share of the gain
+
+  Balance(const quo::GlobalContrast& contrast, double deviation, double deviation_error)
+      : mean(contrast.mean),
+        gain(kTargetSpread / (2 * deviation)),
+        shift(kTargetMean - contrast.mean),
+        gain_error(deviation_error) {}
 };
 
 // A value truncated to 32 bits, limited to their range, and of these the lower 16.
@@ -130,15 +94,42 @@ int16_t truncate(double value) {
   return static_cast<int16_t>(static_cast<int32_t>(value));
 }
 
-// The steps that define a result.
-uint8_t balanced(uint8_t pixel, double local, const Balance& balance) {
-  const int16_t moved = truncate(std::fma(balance.mean - local, 0.5, pixel));
-  const double scaled = std::fma(moved - local, balance.gain, local);
-  return static_cast<uint8_t>(std::clamp<int32_t>(truncate(scaled + balance.shift), 0, kBrightest));
-}
+// Results as they are defined, at the cost of the defined deviation from the first of them on that needs it.
+class Definition {
+ public:
+  Definition(const GrayFrame& frame, const quo::GlobalContrast& contrast, const Balance& near)
+      : frame_(frame), contrast_(contrast), balance_(near) {}
+
+  uint8_t balanced(uint8_t pixel, double local) {
+    const int16_t moved = truncate(std::fma(balance_.mean - local, 0.5, pixel));
+    double value = scaled(moved, local);
+    if (balance_.gain_error > 0 && is_unclear(value)) {
+      balance_ = Balance(contrast_, quo::defined_deviation(frame_, contrast_), 0);
+      value = scaled(moved, local);
+    }
+    return static_cast<uint8_t>(std::clamp<int32_t>(truncate(value), 0, kBrightest));
+  }
+
+ private:
+  double scaled(int16_t moved, double local) const {
+    return std::fma(moved - local, balance_.gain, local) + balance_.shift;
+  }
+
+  // Whether an error of the gain can change the whole part. Distances from the mean are below 1024, and with a gain up to
+  // 16 the two roundings of either way together below 2^-37.
+  bool is_unclear(double value) const {
+    const double margin = 1024 * balance_.gain * balance_.gain_error + 0x1p-37;
+    const double part = std::fabs(value) - static_cast<double>(static_cast<int64_t>(std::fabs(value)));
+    return part <= margin || part >= 1 - margin;
+  }
+
+  const GrayFrame& frame_;
+  const quo::GlobalContrast& contrast_;
+  Balance balance_;
+};
 
 // The means of the windows of a row's columns from `first` on, in single precision.
-void find_means(const Windows& windows, const Extent& rows, int32_t first, int32_t count, float* __restrict means) {
+QUO_MULTIVERSION void find_means(const Windows& windows, const Extent& rows, int32_t first, int32_t count, float* __restrict means) {
   const auto mean_at = [&](int32_t x) {
     const Extent columns = windows.columns(x);
     return static_cast<float>(windows.sum(rows, columns)) * (1.0F / static_cast<float>(rows.size() * columns.size()));
@@ -160,58 +151,85 @@ void find_means(const Windows& windows, const Extent& rows, int32_t first, int32
   for (int32_t i = whole_end; i < count; i++) means[i] = mean_at(first + i);
 }
 
-// 1 where a value lies so close to an integer, by `margin` or less, that its whole part is in doubt, else 0.
-int32_t is_close_to_integer(float value, int32_t whole, float margin) {
-  return static_cast<int32_t>(std::fabs(std::fabs(value - static_cast<float>(whole)) - 0.5F) >= 0.5F - margin);
-}
-
-// Results in single precision; 255, which no result is, for background and where a rounding could decide.
+// Replaces means by results in single precision, before they are truncated; by 0 where a rounding could decide.
 //
 // With a unit roundoff of u = 2^-24, a mean is off by 3 u and so by less than 2^-14. The moved value adds half of that
 // and three roundings of values below 512: less than 2^-13. Its distance from the mean, below 640, is off by less than
-// 2^-13, the product by 2^-12 of the gain, and the two sums add roundings of 2 u (640 gain + 511) and less than 2^-13 for
-// mean and shift: together less than 2^-11 (gain + 1). The defining steps in double precision are off by far less. With
-// gains up to 16 no value leaves 16 bits.
-void balance_quickly(const uint8_t* __restrict pixels, const float* __restrict means, int32_t count,
-                     const Balance& balance, uint8_t* __restrict output) {
+// 2^-13, the product by 2^-12 of the gain, that of 2^-26 in the gain itself included, and the two sums add roundings of
+// 2 u (640 gain + 511) and less than 2^-13 for mean and shift: together less than 2^-11 (gain + 1). The defining steps in
+// double precision are off by far less. What is below 1 gives 0 and what is 254 or more 254, so values are limited to
+// half a gray level inside that, where nothing is unclear.
+QUO_MULTIVERSION void balance_means(const uint8_t* __restrict pixels, const Balance& balance, float* __restrict means,
+                                    int32_t count) {
   constexpr float kMovedMargin = 0x1p-12F;
   const auto gain = static_cast<float>(balance.gain), shift = static_cast<float>(balance.shift);
   const auto global_mean = static_cast<float>(balance.mean);
-  const float margin = 0x1p-11F * (gain + 1);
   for (int32_t i = 0; i < count; i++) {
     const float moved = static_cast<float>(pixels[i]) + (global_mean - means[i]) * 0.5F;
-    const auto whole_moved = static_cast<int32_t>(moved);
-    const float scaled = (static_cast<float>(whole_moved) - means[i]) * gain + means[i] + shift;
-    const auto whole = static_cast<int32_t>(scaled);
-    const int32_t unclear = is_close_to_integer(moved, whole_moved, kMovedMargin) |
-                            is_close_to_integer(scaled, whole, margin) | static_cast<int32_t>(pixels[i] == kWhite);
-    output[i] = static_cast<uint8_t>(unclear != 0 ? kWhite : std::clamp(whole, 0, kBrightest));
+    const auto whole = static_cast<float>(static_cast<int32_t>(moved));
+    const float scaled = (whole - means[i]) * gain + means[i] + shift;
+    const float below = scaled < kBrightest + 0.5F ? scaled : kBrightest + 0.5F;
+    const float limited = below > 0.5F ? below : 0.5F;
+    means[i] = std::fabs(std::fabs(moved - whole) - 0.5F) < 0.5F - kMovedMargin ? limited : 0.0F;
   }
 }
 
-void balance_image(const Frame& frame, const Windows& windows, const Balance& balance, uint8_t* output) {
+// Truncates results; 255, which no result is, for background and where a value is within `margin` of an integer.
+QUO_MULTIVERSION void truncate_results(const uint8_t* __restrict pixels, const float* __restrict results, float margin,
+                                       int32_t count, uint8_t* __restrict output) {
+  for (int32_t i = 0; i < count; i++) {
+    const auto whole = static_cast<int32_t>(results[i]);
+    const float part = std::fabs(results[i] - static_cast<float>(whole) - 0.5F);
+    const int32_t marked = static_cast<int32_t>(part >= 0.5F - margin) | static_cast<int32_t>(pixels[i] == kWhite);
+    output[i] = static_cast<uint8_t>(whole | -marked);
+  }
+}
+
+// Whether none of eight bytes is 255.
+bool eight_are_clear(const uint8_t* bytes) {
+  constexpr uint64_t kOnes = 0x0101010101010101;
+  uint64_t eight;
+  __builtin_memcpy(&eight, bytes, sizeof eight);
+  return ((~eight - kOnes) & eight & kOnes * 0x80) == 0;
+}
+
+// Balances the pixels of a row's columns from `first` on whose results are 255, which is all of them at first.
+void balance_by_definition(const GrayFrame& frame, const Windows& windows, int32_t y, int32_t first, int32_t count,
+                           Definition& definition, uint8_t* results) {
+  const uint8_t* const pixels = frame.row(y);
+  const Extent rows = windows.rows(y);
+  for (int32_t x = first; x < first + count; x++) {
+    while (first + count - x >= 8 && eight_are_clear(results + x)) x += 8;
+    if (x == first + count) return;
+    if (results[x] != kWhite || pixels[x] == kWhite) continue;
+    const Extent columns = windows.columns(x);
+    const double local = windows.sum(rows, columns) / static_cast<double>(rows.size() * columns.size());
+    results[x] = definition.balanced(pixels[x], local);
+  }
+}
+
+void balance_image(const GrayFrame& frame, const Windows& windows, const quo::GlobalContrast& contrast,
+                   uint8_t* output) {
   const int64_t largest_window = (int64_t{2} * windows.half_width + 1) * (int64_t{2} * windows.half_height + 1);
-  const bool quick = balance.gain <= kLargestQuickGain && largest_window <= kLargestQuickWindow;
+  const double error = static_cast<double>(contrast.count + 1024) * 0x1p-53;
+  const Balance near(contrast, contrast.deviation, error);
+  const bool quick = contrast.count <= kMostQuickPixels && near.gain <= kLargestQuickGain &&
+                     largest_window <= kLargestQuickWindow;
+  const Balance exact(contrast, quick ? 1 : quo::defined_deviation(frame, contrast), 0);
+  Definition definition(frame, contrast, quick ? near : exact);
   for (int32_t y = 0; y < frame.height; y++) {
-    const Extent rows = windows.rows(y);
-    const uint8_t* const pixels = frame.row(y);
     uint8_t* const results = output + static_cast<ptrdiff_t>(y) * frame.width;
     for (int32_t x = 0, count = 0; x < frame.width; x += count) {
       float means[kStrip];
       count = std::min(kStrip, frame.width - x);
       if (quick) {
-        find_means(windows, rows, x, count, means);
-        balance_quickly(pixels + x, means, count, balance, results + x);
+        find_means(windows, windows.rows(y), x, count, means);
+        balance_means(frame.row(y) + x, near, means, count);
+        truncate_results(frame.row(y) + x, means, 0x1p-11F * (static_cast<float>(near.gain) + 1), count, results + x);
+      } else {
+        for (int32_t i = x; i < x + count; i++) results[i] = kWhite;
       }
-      for (int32_t i = x; i < x + count; i++) {
-        if (pixels[i] == kWhite)
-          results[i] = kWhite;
-        else if (!quick || results[i] == kWhite) {
-          const Extent columns = windows.columns(i);
-          const double local = windows.sum(rows, columns) / static_cast<double>(rows.size() * columns.size());
-          results[i] = balanced(pixels[i], local, balance);
-        }
-      }
+      balance_by_definition(frame, windows, y, x, count, definition, results);
     }
   }
 }
@@ -233,15 +251,13 @@ uint32_t LocalGrayBalance(const uint8_t* source, uint8_t* output, int32_t width,
   quo::Scratch<uint32_t> integral, row_sums;
   if (!integral.allocate(pixels)) return 0;
   if (width < 3 || height < 3) return 0;
-  const Frame frame{source, width, static_cast<int32_t>(height)};
-  Global global;
-  if (!measure(frame, global)) return 0;
+  const GrayFrame frame{source, width, static_cast<int32_t>(height)};
+  quo::GlobalContrast contrast;
+  if (!quo::measure_contrast(frame, contrast)) return 0;
   // Row sums never leave the registers; memory for them is reserved because a call without it must fail.
   if (!row_sums.allocate(pixels)) return 0;
-  integrate(frame, static_cast<uint32_t>(global.mean + 0.5), integral.get());
+  integrate(frame, static_cast<uint8_t>(contrast.mean + 0.5), integral.get());
   row_sums.reset();
-  const Windows windows{integral.get(), frame.width, frame.height, half_width, half_height};
-  const Balance balance{global.mean, kTargetSpread / (2 * global.deviation), kTargetMean - global.mean};
-  balance_image(frame, windows, balance, output);
+  balance_image(frame, {integral.get(), frame.width, frame.height, half_width, half_height}, contrast, output);
   return 1;
 }

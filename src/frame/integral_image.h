@@ -1,0 +1,12 @@
+// A row of a summed-area table.
+#pragma once
+
+#include <cstdint>
+
+namespace quo {
+
+/** Adds to the sums of the row above the running sums of a row of pixels, which go on from `run`; modulo 2^32. Returns
+ *  the last running sum. The three rows do not overlap. */
+uint32_t add_running_sums(const uint8_t* source, const uint32_t* above, uint32_t* sums, int32_t width, uint32_t run);
+
+}  // namespace quo

@@ -1,0 +1,73 @@
+#include "toolbox/global_contrast.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "frame/gray.h"
+#include "frame/multiversion.h"
+
+namespace {
+
+using quo::GrayFrame;
+using quo::kWhite;
+
+constexpr int32_t kSegment = 256;  // pixels whose sum fits in 16 bits
+static_assert(kSegment * 255 <= UINT16_MAX);
+
+struct Total {
+  uint64_t sum = 0;
+  uint64_t count = 0;
+};
+
+// Adds the pixels above a gray, which may be -1, but not those of 255.
+QUO_MULTIVERSION void add_segment(const uint8_t* pixels, int32_t count, int32_t above, Total& total) {
+  uint16_t sum = 0, number = 0;
+  for (int32_t i = 0; i < count; i++) {
+    const auto gray = static_cast<int16_t>(pixels[i]);
+    const auto taken = static_cast<uint16_t>(gray > static_cast<int16_t>(above) && gray < kWhite ? UINT16_MAX : 0);
+    sum = static_cast<uint16_t>(sum + (taken & gray));
+    number = static_cast<uint16_t>(number + (taken & 1));
+  }
+  total.sum += sum;
+  total.count += number;
+}
+
+Total total_above(const GrayFrame& frame, int32_t gray) {
+  Total total;
+  for (int32_t y = 1; y < frame.height - 1; y++) {
+    const uint8_t* const row = frame.row(y);
+    for (int32_t x = 1; x < frame.width - 1; x += kSegment) {
+      add_segment(row + x, std::min(kSegment, frame.width - 1 - x), gray, total);
+    }
+  }
+  return total;
+}
+
+}  // namespace
+
+// With n pixels of sum s, the distances from the mean s / n add up to e / n, where e = n (high sum - low sum) -
+// s (high count - low count) is an integer, below 2^62 for 2^26 pixels, over the pixels above the mean and the others.
+// The defining steps are off by 2^-46 for the mean and as much for each distance, which is 128 * 2^-53 of a deviation of 1
+// or more, and by n additions.
+bool quo::measure_contrast(const GrayFrame& frame, GlobalContrast& contrast) {
+  const Total all = total_above(frame, -1);
+  if (all.count == 0) return false;
+  const Total high = total_above(frame, static_cast<int32_t>(all.sum / all.count));
+  const uint64_t low_sum = all.sum - high.sum, low_count = all.count - high.count;
+  const uint64_t e = all.count * (high.sum - low_sum) - all.sum * (high.count - low_count);
+  const auto count = static_cast<double>(all.count);
+  contrast = {all.count, static_cast<double>(all.sum) / count, static_cast<double>(e) / (count * count)};
+  return high.count > 0;
+}
+
+double quo::defined_deviation(const GrayFrame& frame, const GlobalContrast& contrast) {
+  double distance[256];
+  for (int32_t v = 0; v < kWhite; v++) distance[v] = std::fabs(v - contrast.mean);
+  distance[kWhite] = 0;
+  double distances = 0;
+  for (int32_t y = 1; y < frame.height - 1; y++) {
+    const uint8_t* const row = frame.row(y);
+    for (int32_t x = 1; x < frame.width - 1; x++) distances += distance[row[x]];
+  }
+  return distances / static_cast<double>(contrast.count);
+}
