@@ -66,6 +66,21 @@ uint32_t quo::add_running_sums(const uint8_t* __restrict source, const uint32_t*
   return run;
 }
 
+void quo::add_up(const uint32_t* __restrict values, uint32_t* __restrict sums, int32_t count) {
+  const Sums4 zero{};
+  Sums4 before{};
+  int32_t x = 0;
+  for (; x <= count - 4; x += 4) {
+    Sums4 run = load<Sums4>(values + x);
+    run += __builtin_shufflevector(zero, run, 0, 4, 5, 6);
+    run += __builtin_shufflevector(zero, run, 0, 0, 4, 5);
+    run += before;
+    __builtin_memcpy(sums + x, &run, sizeof run);
+    before = __builtin_shufflevector(run, run, 3, 3, 3, 3);
+  }
+  for (uint32_t run = before[0]; x < count; x++) sums[x] = run += values[x];
+}
+
 void GetGrayIntegralImage(const uint8_t* source, uint32_t* integral, int32_t width, int32_t height, int32_t stride) {
   if (width < 0 || height < 0) return;
   const size_t row = static_cast<size_t>(width) + 1;

@@ -22,27 +22,6 @@ constexpr double kLargestQuickGain = 16;  // beyond, single precision leaves too
 constexpr int64_t kLargestQuickWindow = 8000000;         // pixels; their sum fits in 31 bits
 constexpr uint64_t kMostQuickPixels = uint64_t{1} << 26;  // whose deviation is known without adding it up
 
-void replace_white(const uint8_t* __restrict pixels, uint8_t* __restrict replaced, int32_t count, uint8_t background) {
-  for (int32_t i = 0; i < count; i++) replaced[i] = pixels[i] != kWhite ? pixels[i] : background;
-}
-
-// Entry (x, y) is the sum over columns 1 to x and rows 1 to y, background counting as `background`; row and column 0
-// are zero. The last row and column are not needed. Sums are modulo 2^32.
-void integrate(const GrayFrame& frame, uint8_t background, uint32_t* integral) {
-  const ptrdiff_t width = frame.width;
-  for (ptrdiff_t x = 0; x < width; x++) integral[x] = 0;
-  for (int32_t y = 1; y < frame.height - 1; y++) {
-    uint32_t* const sums = integral + y * width;
-    uint32_t run = sums[0] = 0;
-    for (int32_t x = 1, count = 0; x < width - 1; x += count) {
-      uint8_t replaced[kStrip];
-      count = std::min(kStrip, frame.width - 1 - x);
-      replace_white(frame.row(y) + x, replaced, count, background);
-      run = quo::add_running_sums(replaced, sums + x - width, sums + x, count, run);
-    }
-  }
-}
-
 // The columns or rows of a window, from after the first number to the second.
 struct Extent {
   ptrdiff_t before;
@@ -51,27 +30,75 @@ struct Extent {
   ptrdiff_t size() const { return last - before; }
 };
 
-struct Windows {
-  const uint32_t* integral;
-  int32_t width;
-  int32_t height;
-  int32_t half_width;
-  int32_t half_height;
+// A row of pixels with white replaced, or zeros in place of a row that there is none of.
+void replace_white(const uint8_t* __restrict pixels, uint8_t* __restrict replaced, int32_t count, uint8_t background) {
+  for (int32_t i = 0; i < count; i++) replaced[i] = pixels == nullptr ? 0 : pixels[i];
+  for (int32_t i = 0; i < count; i++) replaced[i] = replaced[i] != kWhite ? replaced[i] : background;
+}
 
-  Extent columns(int32_t x) const { return extent(x, half_width, width); }
-  Extent rows(int32_t y) const { return extent(y, half_height, height); }
-
-  uint32_t sum(const Extent& rows, const Extent& columns) const {
-    const uint32_t* const upper = integral + rows.before * width;
-    const uint32_t* const lower = integral + rows.last * width;
-    return lower[columns.last] - lower[columns.before] - upper[columns.last] + upper[columns.before];
+QUO_MULTIVERSION void slide(const uint8_t* __restrict entering, const uint8_t* __restrict leaving,
+                            uint32_t* __restrict columns, int32_t count) {
+  for (int32_t i = 0; i < count; i++) {
+    columns[i] += static_cast<uint32_t>(static_cast<int16_t>(entering[i] - leaving[i]));
   }
+}
+
+// Sums over the windows of one row of pixels after the other. Background counts as a gray of its own, and the outermost
+// rows and columns of the image are in no window. Sums are modulo 2^32.
+class Windows {
+ public:
+  // `memory` holds two rows of sums.
+  Windows(const GrayFrame& frame, int32_t half_width, int32_t half_height, uint8_t background, uint32_t* memory)
+      : frame_(frame),
+        half_width_(half_width),
+        half_height_(half_height),
+        background_(background),
+        columns_(memory),
+        running_(memory + frame.width) {
+    for (int32_t x = 0; x < frame.width; x++) columns_[x] = 0;
+    for (int32_t y = 1; y < std::min(half_height, frame.height - 1); y++) move(y, 0);
+  }
+
+  // To the row of pixels below the last one, 0 at first.
+  void move_down(int32_t y) {
+    const int64_t entering = int64_t{y} + half_height_;
+    move(entering > 0 && entering < frame_.height - 1 ? static_cast<int32_t>(entering) : 0,
+         std::max(y - 1 - half_height_, 0));
+    rows_ = extent(y, half_height_, frame_.height);
+    quo::add_up(columns_, running_, frame_.width - 1);
+  }
+
+  int32_t width() const { return frame_.width; }
+  int32_t half_width() const { return half_width_; }
+  const uint32_t* running() const { return running_; }  // entry x is the sum of the columns 1 to x
+  Extent columns(int32_t x) const { return extent(x, half_width_, frame_.width); }
+  ptrdiff_t area(const Extent& columns) const { return rows_.size() * columns.size(); }
+  uint32_t sum(const Extent& columns) const { return running_[columns.last] - running_[columns.before]; }
 
  private:
   static Extent extent(int32_t position, int32_t half, int32_t length) {
     const int64_t last = std::min(int64_t{position} + half, int64_t{length} - 2);
     return {std::max(position - half, 1) - 1, static_cast<ptrdiff_t>(last)};
   }
+
+  // Row 0 stands for none.
+  void move(int32_t entering, int32_t leaving) {
+    for (int32_t x = 1, count = 0; x < frame_.width - 1; x += count) {
+      uint8_t gained[kStrip], lost[kStrip];
+      count = std::min(kStrip, frame_.width - 1 - x);
+      replace_white(entering > 0 ? frame_.row(entering) + x : nullptr, gained, count, background_);
+      replace_white(leaving > 0 ? frame_.row(leaving) + x : nullptr, lost, count, background_);
+      slide(gained, lost, columns_ + x, count);
+    }
+  }
+
+  const GrayFrame& frame_;
+  int32_t half_width_;
+  int32_t half_height_;
+  uint8_t background_;
+  Extent rows_{};
+  uint32_t* columns_;  // sums over a column's pixels in the rows of the window; 0 in column 0
+  uint32_t* running_;
 };
 
 struct Balance {
@@ -129,23 +156,22 @@ class Definition {
 };
 
 // The means of the windows of a row's columns from `first` on, in single precision.
-QUO_MULTIVERSION void find_means(const Windows& windows, const Extent& rows, int32_t first, int32_t count, float* __restrict means) {
+QUO_MULTIVERSION void find_means(const Windows& windows, int32_t first, int32_t count, float* __restrict means) {
   const auto mean_at = [&](int32_t x) {
     const Extent columns = windows.columns(x);
-    return static_cast<float>(windows.sum(rows, columns)) * (1.0F / static_cast<float>(rows.size() * columns.size()));
+    return static_cast<float>(windows.sum(columns)) * (1.0F / static_cast<float>(windows.area(columns)));
   };
-  const int32_t whole = std::clamp(windows.half_width + 1 - first, 0, count);  // windows left of it are cut at the edge
-  const int32_t whole_end = std::clamp(windows.width - 1 - windows.half_width - first, whole, count);
+  // Windows left and right of these are cut at the edge.
+  const int32_t whole = std::clamp(windows.half_width() + 1 - first, 0, count);
+  const int32_t whole_end = std::clamp(windows.width() - 1 - windows.half_width() - first, whole, count);
   for (int32_t i = 0; i < whole; i++) means[i] = mean_at(first + i);
   if (whole < whole_end) {
     const Extent columns = windows.columns(first + whole);
-    const float reciprocal = 1.0F / static_cast<float>(rows.size() * columns.size());
-    const uint32_t* const upper = windows.integral + rows.before * windows.width + columns.before;
-    const uint32_t* const lower = windows.integral + rows.last * windows.width + columns.before;
-    const ptrdiff_t span = columns.size();
+    const float reciprocal = 1.0F / static_cast<float>(windows.area(columns));
+    const uint32_t* const before = windows.running() + columns.before;
+    const uint32_t* const last = windows.running() + columns.last;
     for (int32_t i = 0; i < whole_end - whole; i++) {
-      const uint32_t sum = lower[i + span] - lower[i] - upper[i + span] + upper[i];
-      means[whole + i] = static_cast<float>(static_cast<int32_t>(sum)) * reciprocal;
+      means[whole + i] = static_cast<float>(static_cast<int32_t>(last[i] - before[i])) * reciprocal;
     }
   }
   for (int32_t i = whole_end; i < count; i++) means[i] = mean_at(first + i);
@@ -194,42 +220,41 @@ bool eight_are_clear(const uint8_t* bytes) {
 }
 
 // Balances the pixels of a row's columns from `first` on whose results are 255, which is all of them at first.
-void balance_by_definition(const GrayFrame& frame, const Windows& windows, int32_t y, int32_t first, int32_t count,
+void balance_by_definition(const uint8_t* pixels, const Windows& windows, int32_t first, int32_t count,
                            Definition& definition, uint8_t* results) {
-  const uint8_t* const pixels = frame.row(y);
-  const Extent rows = windows.rows(y);
   for (int32_t x = first; x < first + count; x++) {
     while (first + count - x >= 8 && eight_are_clear(results + x)) x += 8;
     if (x == first + count) return;
     if (results[x] != kWhite || pixels[x] == kWhite) continue;
     const Extent columns = windows.columns(x);
-    const double local = windows.sum(rows, columns) / static_cast<double>(rows.size() * columns.size());
+    const double local = windows.sum(columns) / static_cast<double>(windows.area(columns));
     results[x] = definition.balanced(pixels[x], local);
   }
 }
 
-void balance_image(const GrayFrame& frame, const Windows& windows, const quo::GlobalContrast& contrast,
+void balance_image(const GrayFrame& frame, Windows& windows, const quo::GlobalContrast& contrast, bool small_windows,
                    uint8_t* output) {
-  const int64_t largest_window = (int64_t{2} * windows.half_width + 1) * (int64_t{2} * windows.half_height + 1);
   const double error = static_cast<double>(contrast.count + 1024) * 0x1p-53;
   const Balance near(contrast, contrast.deviation, error);
-  const bool quick = contrast.count <= kMostQuickPixels && near.gain <= kLargestQuickGain &&
-                     largest_window <= kLargestQuickWindow;
+  const bool quick = contrast.count <= kMostQuickPixels && near.gain <= kLargestQuickGain && small_windows;
   const Balance exact(contrast, quick ? 1 : quo::defined_deviation(frame, contrast), 0);
+  const float margin = 0x1p-11F * (static_cast<float>(near.gain) + 1);
   Definition definition(frame, contrast, quick ? near : exact);
   for (int32_t y = 0; y < frame.height; y++) {
+    const uint8_t* const pixels = frame.row(y);
     uint8_t* const results = output + static_cast<ptrdiff_t>(y) * frame.width;
+    windows.move_down(y);
     for (int32_t x = 0, count = 0; x < frame.width; x += count) {
       float means[kStrip];
       count = std::min(kStrip, frame.width - x);
       if (quick) {
-        find_means(windows, windows.rows(y), x, count, means);
-        balance_means(frame.row(y) + x, near, means, count);
-        truncate_results(frame.row(y) + x, means, 0x1p-11F * (static_cast<float>(near.gain) + 1), count, results + x);
+        find_means(windows, x, count, means);
+        balance_means(pixels + x, near, means, count);
+        truncate_results(pixels + x, means, margin, count, results + x);
       } else {
         for (int32_t i = x; i < x + count; i++) results[i] = kWhite;
       }
-      balance_by_definition(frame, windows, y, x, count, definition, results);
+      balance_by_definition(pixels, windows, x, count, definition, results);
     }
   }
 }
@@ -248,16 +273,18 @@ uint32_t LocalGrayBalance(const uint8_t* source, uint8_t* output, int32_t width,
   const int32_t half_width = half_size(window_width), half_height = half_size(window_height);
   if (half_width < 1 || half_height < 1) return 0;
   const uint64_t pixels = width < 1 ? 0 : static_cast<uint64_t>(width) * height;
-  quo::Scratch<uint32_t> integral, row_sums;
-  if (!integral.allocate(pixels)) return 0;
+  // Two rows of sums are all that is used; memory for a summed-area table and for row sums is reserved because a call
+  // without it must fail.
+  quo::Scratch<uint32_t> sums, row_sums;
+  if (!sums.allocate(pixels)) return 0;
   if (width < 3 || height < 3) return 0;
   const GrayFrame frame{source, width, static_cast<int32_t>(height)};
   quo::GlobalContrast contrast;
   if (!quo::measure_contrast(frame, contrast)) return 0;
-  // Row sums never leave the registers; memory for them is reserved because a call without it must fail.
   if (!row_sums.allocate(pixels)) return 0;
-  integrate(frame, static_cast<uint8_t>(contrast.mean + 0.5), integral.get());
   row_sums.reset();
-  balance_image(frame, {integral.get(), frame.width, frame.height, half_width, half_height}, contrast, output);
+  Windows windows(frame, half_width, half_height, static_cast<uint8_t>(contrast.mean + 0.5), sums.get());
+  const bool small_windows = (int64_t{2} * half_width + 1) * (int64_t{2} * half_height + 1) <= kLargestQuickWindow;
+  balance_image(frame, windows, contrast, small_windows, output);
   return 1;
 }
