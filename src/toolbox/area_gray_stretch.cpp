@@ -2,18 +2,21 @@
 #include <cstddef>
 
 #include "frame/gray.h"
+#include "frame/integral_image.h"
+#include "frame/multiversion.h"
 #include "quoFPAlg.h"
 #include "toolbox/gray_stretch.h"
 
-// A pixel is stretched when the distances of its window's pixels from it, background left out, add up to more than their
-// number. Distances are added up for a group of pixels side by side, and no further than until all of them are settled:
-// on ridges that takes a row or two.
+// A pixel is stretched when the distances d of the n pixels of its window from it, background left out, add up to more
+// than n. Most pixels are settled by the squares of the distances, whose sum follows from sliding sums: distances are whole
+// numbers, so sum(d) <= sum(d^2), and sum(d^2) <= sum(d) max(d). For the others distances are added up, for a group of
+// pixels side by side, and no further than until all of them are settled.
 namespace {
 
 using quo::kWhite;
 
 // Columns looked at together: those of a strip of pixels and, on either side, those that their windows reach.
-constexpr int32_t kColumns = 1024;
+constexpr int32_t kColumns = 416;
 constexpr int32_t kWidestHalf = 128;  // of a window in a strip; wider windows are read pixel by pixel
 constexpr int32_t kGroup = 64;        // pixels whose distances are added up together
 
@@ -63,10 +66,59 @@ void join(const Extremes& __restrict columns, ptrdiff_t shift, Extremes& __restr
   }
 }
 
+// Sums over the columns of a strip, of the pixels below 255 and of their squares, and the number of the others.
+struct ColumnSums {
+  uint32_t values[kColumns + 1];
+  uint32_t squares[kColumns + 1];
+  uint32_t white[kColumns + 1];
+};
+
 template <int kSign>
-void count_white(const uint8_t* __restrict pixels, uint16_t* __restrict counts, ptrdiff_t count) {
-  for (ptrdiff_t i = 0; i < count; i++) {
-    counts[i] = static_cast<uint16_t>(counts[i] + kSign * (pixels[i] == kWhite ? 1 : 0));
+QUO_MULTIVERSION void count_row(const uint8_t* __restrict pixels, uint32_t* __restrict values,
+                                uint32_t* __restrict squares, uint32_t* __restrict white, int32_t count) {
+  for (int32_t i = 0; i < count; i++) {
+    const int32_t is_white = pixels[i] == kWhite ? 1 : 0;
+    const auto value = static_cast<int16_t>(pixels[i] & (is_white - 1));
+    values[i] += static_cast<uint32_t>(kSign * value);
+    squares[i] += static_cast<uint32_t>(kSign * value * value);
+    white[i] += static_cast<uint32_t>(kSign * is_white);
+  }
+}
+
+// Windows of at most so many pixels have sums of squares that fit in 31 bits.
+constexpr int64_t kMostPixels = INT32_MAX / (254 * 254);
+
+// What the squares say of a pixel.
+enum Settled : uint8_t { kOpen, kFlat, kTextured };
+
+// Sums over windows, as the differences of running sums `reach` columns apart.
+struct WindowSums {
+  const uint32_t* values;
+  const uint32_t* squares;
+  const uint32_t* white;
+  ptrdiff_t reach;
+};
+
+// In single precision, where the sum of squares is off by less than n / 32: by five roundings of 2^-24 of at most
+// 254^2 n. Pixels of 0 and 255 are never stretched.
+QUO_MULTIVERSION void settle_by_squares(const uint8_t* __restrict pixels, const uint8_t* __restrict lo,
+                                        const uint8_t* __restrict end, const float* __restrict areas,
+                                        const WindowSums& sums, uint8_t* __restrict settled, int32_t count) {
+  const uint32_t* const values = sums.values;
+  const uint32_t* const squares = sums.squares;
+  const uint32_t* const white = sums.white;
+  for (int32_t i = 0; i < count; i++) {
+    const auto pixel = static_cast<float>(pixels[i]);
+    const float n = areas[i] - static_cast<float>(static_cast<int32_t>(white[i + sums.reach] - white[i]));
+    const auto value = static_cast<float>(static_cast<int32_t>(values[i + sums.reach] - values[i]));
+    const auto square = static_cast<float>(static_cast<int32_t>(squares[i + sums.reach] - squares[i]));
+    const float distances = (square - pixel * value) + pixel * (n * pixel - value);
+    const int32_t furthest = std::max(pixels[i] - lo[i], end[i] - 1 - pixels[i]);
+    const float margin = n * (1.0F / 32);
+    const int32_t flat = static_cast<int32_t>(distances < n - margin) | static_cast<int32_t>(furthest <= 1) |
+                         static_cast<int32_t>(pixels[i] == 0) | static_cast<int32_t>(pixels[i] == kWhite);
+    const int32_t textured = static_cast<int32_t>(distances > n * static_cast<float>(furthest) + margin);
+    settled[i] = static_cast<uint8_t>(flat * kFlat + (textured & (1 - flat)) * kTextured);
   }
 }
 
@@ -85,12 +137,13 @@ void add_distances(const uint8_t* __restrict neighbours, const uint8_t* __restri
 
 // What the distances of a window's pixels must exceed for its pixel to be stretched. They include those of background,
 // 255 less the pixel each, so the limit does too: 2^32 is out of reach for windows of 257 columns and 2^16 rows.
-constexpr uint32_t kFlat = UINT32_MAX;  // never
-constexpr uint32_t kTextured = 0;       // settled: they do
+constexpr uint32_t kNoLimit = UINT32_MAX;  // of pixels that are settled
 
-uint32_t unsettled(const uint32_t* __restrict totals, const uint32_t* __restrict limits, int32_t count) {
+uint32_t count_open(const uint32_t* __restrict totals, const uint32_t* __restrict limits, int32_t count) {
   uint32_t number = 0;
-  for (int32_t i = 0; i < count; i++) number += static_cast<uint32_t>((totals[i] <= limits[i]) & (limits[i] != kFlat));
+  for (int32_t i = 0; i < count; i++) {
+    number += static_cast<uint32_t>((totals[i] <= limits[i]) & (limits[i] != kNoLimit));
+  }
   return number;
 }
 
@@ -112,14 +165,13 @@ class Strip {
   // Returns the number of pixels stretched.
   uint32_t stretch(uint8_t* output) {
     uint32_t stretched = 0;
-    for (ptrdiff_t i = 0; i < columns_; i++) white_[i] = 0;
+    for (ptrdiff_t i = 0; i <= columns_; i++) sums_.values[i] = sums_.squares[i] = sums_.white[i] = 0;
     for (int32_t y = 0; y < std::min(half_.height, frame_.height); y++) count_row<1>(y);
     for (int32_t y = 0; y < frame_.height; y++) {
       if (y < frame_.height - half_.height) count_row<1>(y + half_.height);
       if (y > half_.height) count_row<-1>(y - half_.height - 1);
       const Extremes& windows = find_extremes(y);
-      find_limits(y, windows);
-      for (int32_t i = 0; i < count_; i += kGroup) settle(y, i, std::min(kGroup, count_ - i));
+      settle(y, windows);
       stretched += stretch_row(y, windows, output + static_cast<ptrdiff_t>(y) * frame_.width + left_);
     }
     return stretched;
@@ -134,7 +186,8 @@ class Strip {
 
   template <int kSign>
   void count_row(int32_t y) {
-    count_white<kSign>(inside_row(y), white_ + inside_, inside_count_);
+    ::count_row<kSign>(inside_row(y), sums_.values + inside_, sums_.squares + inside_, sums_.white + inside_,
+                       inside_count_);
   }
 
   // Of the windows around a row's pixels: of each column first, then of 2, 4, 8 ... columns side by side.
@@ -158,37 +211,60 @@ class Strip {
     return *found;
   }
 
-  // Distances of 1 at most cannot exceed their number, and pixels of 0 and 255 are never stretched.
-  void find_limits(int32_t y, const Extremes& windows) {
-    const uint8_t* const pixels = pixel_row(y);
-    const int32_t reach = 2 * half_.width;
-    uint32_t white = 0;
-    for (int32_t j = 0; j < reach; j++) white += white_[j];
-    for (int32_t i = 0; i < count_; i++) {
-      white += white_[i + reach];
-      const Window window = window_around(frame_, half_, left_ + i, y);
-      const auto area = static_cast<uint32_t>((window.right - window.left + 1) * (window.bottom - window.top + 1));
-      const bool flat =
-          pixels[i] == 0 || pixels[i] == kWhite || (pixels[i] - windows.lo[i] <= 1 && windows.end[i] - pixels[i] <= 2);
-      limits_[i] = flat ? kFlat : area - white + white * (255U - pixels[i]);
-      white -= white_[i];
+  void settle(int32_t y, const Extremes& windows) {
+    const Window window = window_around(frame_, half_, left_, y);
+    const int32_t rows = window.bottom - window.top + 1;
+    const auto reach = static_cast<ptrdiff_t>(2 * half_.width + 1);
+    add_up_columns();
+    if (int64_t{rows} * reach > kMostPixels) {
+      for (int32_t i = 0; i < count_; i++) settled_[i] = kOpen;
+    } else {
+      float areas[kColumns];
+      for (int32_t i = 0; i < count_; i++) areas[i] = static_cast<float>(rows * columns_of(i));
+      settle_by_squares(pixel_row(y), windows.lo, windows.end, areas,
+                        {running_.values, running_.squares, running_.white, reach}, settled_, count_);
     }
+    for (int32_t i = 0; i < count_; i += kGroup) settle_group(y, i, std::min(kGroup, count_ - i), rows);
+  }
+
+  void add_up_columns() {
+    running_.values[0] = running_.squares[0] = running_.white[0] = 0;
+    quo::add_up(sums_.values, running_.values + 1, columns_);
+    quo::add_up(sums_.squares, running_.squares + 1, columns_);
+    quo::add_up(sums_.white, running_.white + 1, columns_);
+  }
+
+  // Columns of the image in the window of pixel i.
+  int32_t columns_of(int32_t i) const {
+    return std::min(i + 2 * half_.width + 1, inside_ + inside_count_) - std::max(i, inside_);
+  }
+
+  uint32_t limit_of(int32_t i, uint8_t pixel, int32_t rows) const {
+    if (settled_[i] != kOpen || pixel == 0 || pixel == kWhite) return kNoLimit;
+    const uint32_t white = running_.white[i + 2 * half_.width + 1] - running_.white[i];
+    return static_cast<uint32_t>(rows * columns_of(i)) - white + white * (255U - pixel);
   }
 
   // Adds up the distances of a group of pixels, after 1, 2, 4 ... rows seeing whether all are settled.
-  void settle(int32_t y, int32_t first, int32_t count) {
-    uint32_t* const limits = limits_ + first;
-    uint32_t totals[kGroup] = {};
+  void settle_group(int32_t y, int32_t first, int32_t count, int32_t window_rows) {
+    uint32_t limits[kGroup], totals[kGroup];
+    for (int32_t i = 0; i < count; i++) {
+      limits[i] = limit_of(first + i, pixel_row(y)[first + i], window_rows);
+      totals[i] = 0;
+    }
     const Window window = window_around(frame_, half_, left_ + first, y);
     const int32_t most_rows = kSafeAdditions / (2 * half_.width + 1);
     int32_t rows = 1;
-    for (int32_t top = window.top; top <= window.bottom && unsettled(totals, limits, count) > 0; top += rows) {
+    for (int32_t top = window.top; top <= window.bottom && count_open(totals, limits, count) > 0; top += rows) {
       rows = std::min({top > window.top ? 2 * rows : 1, most_rows, window.bottom - top + 1});
-      uint16_t distances[kGroup] = {};
+      uint16_t distances[kGroup];
+      for (int32_t i = 0; i < count; i++) distances[i] = 0;
       for (int32_t j = top; j < top + rows; j++) add_row_distances(y, j, first, count, distances);
       for (int32_t i = 0; i < count; i++) totals[i] += distances[i];
     }
-    for (int32_t i = 0; i < count; i++) limits[i] = totals[i] > limits[i] ? kTextured : kFlat;
+    for (int32_t i = 0; i < count; i++) {
+      if (limits[i] != kNoLimit) settled_[first + i] = totals[i] > limits[i] ? kTextured : kFlat;
+    }
   }
 
   // Of a group's pixels from those of row j in their windows.
@@ -207,7 +283,7 @@ class Strip {
     uint32_t stretched = 0;
     for (int32_t i = 0; i < count_; i++) {
       if (pixels[i] > 0) output[i] = pixels[i];
-      if (limits_[i] == kFlat) continue;
+      if (settled_[i] != kTextured) continue;
       output[i] = static_cast<uint8_t>(quo::stretched(pixels[i], windows.lo[i], windows.end[i] - 1));
       stretched++;
     }
@@ -221,9 +297,10 @@ class Strip {
   int32_t columns_;
   int32_t inside_;        // the first column in the image
   int32_t inside_count_;  // columns in the image
-  uint16_t white_[kColumns];
+  ColumnSums sums_;       // over the rows of the windows
+  ColumnSums running_;    // entry i over the columns before i
   Extremes extremes_[2];
-  uint32_t limits_[kColumns];  // of the pixels
+  uint8_t settled_[kColumns];
 };
 
 uint32_t stretch_strips(const Frame& frame, const Half& half, uint8_t* output) {
