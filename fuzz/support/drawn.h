@@ -27,11 +27,11 @@ inline int32_t number(Input& input) {
 inline uint8_t choice(Input& input, uint8_t count) { return static_cast<uint8_t>(input.byte() % count); }
 
 /** Width or height: mostly small, a few that make long lines, and those of empty images. */
-inline int32_t side(Input& input) {
-  static constexpr int32_t kEmpty[] = {0, -1, -8, -9, INT32_MIN, INT32_MIN + 1, INT32_MAX};
+inline int32_t side(Input& input, int32_t largest) {
+  const int32_t empty[] = {0, -1, -8, -9, INT32_MIN, INT32_MIN + 1, largest};
   const uint8_t byte = input.byte();
   if (byte < 200) return byte % 41;
-  return byte < 249 ? 41 + (byte - 200) * 6 : kEmpty[byte - 249];
+  return byte < 249 ? 41 + (byte - 200) * 6 : empty[byte - 249];
 }
 
 /** A size as the caller gives it, also where it is that of an empty image. */
@@ -42,7 +42,8 @@ struct Size {
 /** A frame, which takes the rest of the input: generated, the input's bytes over and over, or these and zeros. Of an
  *  empty one the image is 0 x 0 and the size anything. */
 inline Size frame(Input& input, Image& image, int32_t most_pixels = 41 * 40) {
-  const int32_t width = side(input), tall = side(input);
+  // Where there are no columns, some operators still count the rows: more of them would only be slow.
+  const int32_t width = side(input, INT32_MAX), tall = side(input, 1 << 16);
   const Size size{width, width > 0 ? std::min(tall, most_pixels / width) : tall};
   const uint8_t kind = choice(input, 8);
   const uint32_t seed = kind < std::size(quo_test::kAllFills) ? input.u16() : 0;
