@@ -17,7 +17,7 @@ void decode(const uint8_t* sp_template, const reference::Decoded& expected, uint
     require(expected.accepted, "only a valid template is decoded");
     require(size == expected.record.size() && take(record, size) == expected.record, "the record is the reference's");
   } else {
-    const bool no_memory = allocation_failed(failing);
+    const bool no_memory = allocation_failed();
     require(result == (no_memory ? QUO_NO_MEMORY : QUO_BAD_TEMPLATE), "the result code tells the reason");
     require(no_memory || !expected.accepted, "a valid template is decoded");
     require(record == nullptr && size == 77, "nothing is written on failure");
@@ -33,7 +33,7 @@ void match(const uint8_t* sp_template, const reference::Decoded& expected, uint8
     require(score == reference::match(expected.record, expected.record), "the score is the reference's");
   } else {
     require(result == QUO_TEMPLATE_MISFIT && score == 777, "nothing is written on failure");
-    require(allocation_failed(failing) || !expected.accepted || !reference::match(expected.record, expected.record),
+    require(allocation_failed() || !expected.accepted || !reference::match(expected.record, expected.record),
             "a template matches itself");
   }
   require_no_leak();

@@ -1,38 +1,19 @@
 #include <gtest/gtest.h>
 
 #include "quoFPAlg.h"
+#include "reference/calibration.h"
 #include "support/frames.h"
 #include "support/guarded.h"
 
 using namespace quo_test;
+using quo_reference::Finger;
 
 namespace {
-
-struct Finger {
-  uint8_t mean = 0, coverage = 0;
-  bool operator==(const Finger&) const = default;
-};
 
 Finger measure(const uint8_t* frame, int32_t width, int32_t height) {
   Finger finger;
   EXPECT_EQ(tev_GetFingerMean(frame, width, height, &finger.mean, &finger.coverage), QUO_OK);
   return finger;
-}
-
-Finger naive(const Image& frame) {
-  uint32_t all = 0, blocks = 0, total = 0;
-  for (int32_t top = 0; top + 8 <= frame.height; top += 8) {
-    for (int32_t left = 0; left + 8 <= frame.width; left += 8) {
-      uint32_t sum = 0;
-      for (int32_t i = 0; i < 64; i++) sum += frame.at(left + i % 8, top + i / 8);
-      all++;
-      if (sum > 14079) continue;
-      blocks++;
-      total += sum;
-    }
-  }
-  if (blocks == 0) return {255, 0};
-  return {static_cast<uint8_t>(total / (64 * blocks)), static_cast<uint8_t>(100 * blocks / all)};
 }
 
 }  // namespace
@@ -54,7 +35,7 @@ TEST(tev_GetFingerMean, EqualsItsDefinitionForEverySmallSizeAndSensorSizes) {
                                             });
     Guarded guarded(frame.pixels, guard);
     guarded.make_read_only();
-    ASSERT_EQ(measure(guarded.data(), width, height), naive(frame)) << width << "x" << height;
+    ASSERT_EQ(measure(guarded.data(), width, height), quo_reference::finger(frame)) << width << "x" << height;
   };
   for (const Guard guard : {Guard::kAfter, Guard::kBefore}) {
     for (int32_t width = 0; width <= 34; width++) {

@@ -15,6 +15,7 @@ struct State {
   std::vector<void*> live;
   uint64_t failing_index = UINT64_MAX;
   bool fail_later = false;
+  uint32_t largest = UINT32_MAX;
   double (*arctangent)(double y, double x) = nullptr;
   uint8_t fresh_byte = 0xA5;
 };
@@ -24,8 +25,8 @@ State& state() {
   return instance;
 }
 
-bool shall_fail(const State& s, uint64_t index) {
-  return index == s.failing_index || (s.fail_later && index > s.failing_index);
+bool shall_fail(const State& s, uint64_t index, uint32_t size) {
+  return index == s.failing_index || (s.fail_later && index > s.failing_index) || size > s.largest;
 }
 
 }  // namespace
@@ -43,9 +44,12 @@ void fail_allocation(uint64_t index, bool and_later) {
   state().fail_later = and_later;
 }
 
+void fail_above(uint32_t size) { state().largest = size; }
+
 void fail_no_allocation() {
   state().failing_index = UINT64_MAX;
   state().fail_later = false;
+  state().largest = UINT32_MAX;
 }
 
 void set_fresh_byte(uint8_t value) { state().fresh_byte = value; }
@@ -60,9 +64,11 @@ void* tev_quo_malloc(uint32_t size) {
   auto& s = state();
   const uint64_t index = s.record.sizes.size();
   s.record.sizes.push_back(size);
-  if (quo_test::shall_fail(s, index)) return nullptr;
-  void* const block = std::malloc(size > 0 ? size : 1);
-  if (block == nullptr) return nullptr;
+  void* const block = quo_test::shall_fail(s, index, size) ? nullptr : std::malloc(size > 0 ? size : 1);
+  if (block == nullptr) {
+    s.record.failed++;
+    return nullptr;
+  }
   std::memset(block, s.fresh_byte, size);
   s.live.push_back(block);
   s.record.live_blocks = s.live.size();

@@ -10,6 +10,7 @@ namespace quo_test {
 /** What the hooks have seen since the last reset. */
 struct HookRecord {
   std::vector<uint32_t> sizes;      // of every request, failed ones included
+  uint64_t failed = 0;              // requests among them
   std::vector<std::string> events;  // log calls, "tag/length"
   uint64_t live_blocks = 0;         // handed out and not freed yet
   uint64_t bad_frees = 0;           // of pointers that were not handed out
@@ -24,6 +25,9 @@ void reset_hooks();
 
 /** Lets the allocation with this index (0 is the next one) fail, and with `and_later` every one after it. */
 void fail_allocation(uint64_t index, bool and_later = false);
+
+/** Lets every request for more bytes fail, until the next reset. */
+void fail_above(uint32_t size);
 
 /** Lets every allocation succeed from here on. */
 void fail_no_allocation();

@@ -1,0 +1,224 @@
+// Sensor defect inspection against its literal form.
+// Input: function, failing allocation, arguments, then a frame.
+#include <optional>
+
+#include "reference/defect.h"
+#include "reference/preproc.h"
+#include "support/drawn.h"
+
+using namespace quo_fuzz;
+namespace reference = quo_reference;
+
+namespace {
+
+constexpr int kTouched = 77;
+
+struct Lines {
+  reference::Lines columns, rows;
+
+  uint32_t pixels() const { return columns.pixels + rows.pixels; }
+};
+
+Lines bad_lines(const Image& image, uint8_t level) {
+  return {reference::bad_lines(image, level, true), reference::bad_lines(image, level, false)};
+}
+
+void paint(const Lines& lines, Image& marks) {
+  for (int32_t y = 0; y < marks.height; y++) {
+    for (int32_t x = 0; x < marks.width; x++) {
+      const size_t column = static_cast<size_t>(x), row = static_cast<size_t>(y);
+      if (lines.columns.marks[column] != 0 || lines.rows.marks[row] != 0) marks.at(x, y) = 255;
+    }
+  }
+}
+
+void find_lines(Input& input, uint8_t failing) {
+  const uint8_t level = input.byte();
+  Image image;
+  const Size size = frame(input, image);
+  const size_t w = static_cast<size_t>(std::max(size.width, 0)), h = static_cast<size_t>(std::max(size.height, 0));
+  const auto [result, column_pixels, row_pixels, columns, rows] = same_twice(failing, [&] {
+    uint32_t on_columns = kTouched, on_rows = kTouched;
+    uint8_t *column_marks = nullptr, *row_marks = nullptr;
+    const uint32_t code =
+        CheckBadLine(address(image), size.width, size.height, level, &on_columns, &on_rows, &column_marks, &row_marks);
+    return std::tuple(code, on_columns, on_rows, taken(column_marks, w), taken(row_marks, h));
+  });
+  require(result == (lacked_memory(std::max(size.width, size.height)) ? QUO_NO_MEMORY : QUO_OK),
+          "only memory can fail");
+  if (result != QUO_OK) {
+    require(column_pixels == kTouched && row_pixels == kTouched && columns.empty() && rows.empty(),
+            "nothing is written");
+    return;
+  }
+  Lines expected = bad_lines(image, level);
+  expected.columns.marks.resize(w);  // of an empty frame too
+  expected.rows.marks.resize(h);
+  require(columns == expected.columns.marks && rows == expected.rows.marks, "the marks are the reference's");
+  require(column_pixels == expected.columns.pixels && row_pixels == expected.rows.pixels, "so are the numbers");
+}
+
+void mark_lines(Input& input, uint8_t failing) {
+  Image image;
+  const Size size = frame(input, image);
+  const auto [result, pixels, handed_out, marks] = same_twice(failing, [&] {
+    uint32_t count = kTouched;
+    uint8_t* mark_image = nullptr;
+    const uint32_t code = FP_GetBadLinePixelsNum(address(image), size.width, size.height, &count, &mark_image);
+    const bool given = mark_image != nullptr;
+    return std::tuple(code, count, given, taken(mark_image, image.pixels.size()));
+  });
+  require(result == (lacked_memory(std::max(size.width, size.height)) ? QUO_NO_MEMORY : QUO_OK),
+          "only memory can fail");
+  Image expected(image.width, image.height);
+  uint32_t count = kTouched;
+  if (result == QUO_OK) {
+    const Lines lines = bad_lines(image, 220);
+    count += lines.pixels();
+    paint(lines, expected);
+  }
+  require(pixels == count, "the lines' pixels are added");
+  require(handed_out || result != QUO_OK, "success comes with a mark image");
+  if (handed_out) require(marks == expected.pixels, "which is the reference's");
+}
+
+// The count of MyErodeEx(), and what becomes of the mark image.
+void erode(Input& input, uint8_t failing) {
+  const int32_t border = number(input), allowance = number(input);
+  const uint8_t threshold = input.byte();
+  Image image, expected;
+  const Size size = frame(input, image);
+  const uint32_t expected_count = reference::erode(image, std::clamp(border, 0, 1000), threshold, allowance, expected);
+  const auto [count, marks] = same_twice(failing, [&] {
+    uint32_t counted = kTouched;
+    uint8_t* mark_image = nullptr;
+    MyErodeEx(address(image), size.width, size.height, border, threshold, allowance, &counted, &mark_image);
+    require((mark_image == nullptr) == allocation_failed(), "without memory there are no marks");
+    return std::tuple(counted, taken(mark_image, image.pixels.size()));
+  });
+  require(count == expected_count, "the count is the reference's");
+  require(allocation_failed() || marks == expected.pixels, "the marks are the reference's");
+}
+
+struct BadPixels {
+  uint32_t count = 0;
+  std::optional<Image> marks;
+};
+
+BadPixels bad_pixels(const Image& image, int32_t allowance, uint8_t limit) {
+  uint32_t levels[256] = {}, dark = 0, weighted = 0, squares = 0, lowest = 255, below = 0;
+  for (const uint8_t pixel : image.pixels) levels[pixel]++;
+  for (uint32_t v = 0; v < limit; v++) {
+    dark += levels[v];
+    weighted += v * levels[v];
+    if (levels[v] != 0) lowest = std::min(lowest, v);
+  }
+  if (dark == 0 || levels[lowest] > 0.3 * dark) return {};
+  const uint32_t mean = weighted / dark;
+  for (uint32_t v = 0; v < limit; v++) squares += (v - mean) * (v - mean) * levels[v];
+  const double cut = std::fma(-2.3, static_cast<double>(quo_sqrt(static_cast<float>(squares / dark))), mean);
+  const auto threshold = static_cast<uint8_t>(std::max(lowest + 1.0, cut));
+  for (uint32_t v = 0; v < threshold && v < limit; v++) below += levels[v];
+  if (static_cast<int64_t>(below) <= allowance && static_cast<int64_t>(image.pixels.size()) > allowance) return {};
+  BadPixels bad;
+  bad.count = reference::erode(image, 2, threshold, allowance, bad.marks.emplace());
+  return bad;
+}
+
+void count_pixels(Input& input, uint8_t failing) {
+  const int32_t allowance = number(input);
+  const uint8_t limit = input.byte();
+  Image image;
+  const Size size = frame(input, image);
+  const BadPixels expected = bad_pixels(image, allowance, limit);
+  const auto [count, marks] = same_twice(failing, [&] {
+    uint32_t counted = kTouched;
+    uint8_t* mark_image = nullptr;
+    const uint32_t code =
+        CheckBadPixelsNum(address(image), size.width, size.height, allowance, &counted, &mark_image, limit);
+    require(code == QUO_OK, "it always succeeds");
+    require((mark_image != nullptr) == (expected.marks && !allocation_failed()), "marks come with a count");
+    return std::tuple(counted, taken(mark_image, image.pixels.size()));
+  });
+  require(count == expected.count, "the count is the reference's");
+  if (!marks.empty()) require(marks == expected.marks->pixels, "the marks are the reference's");
+}
+
+Image half_of(const Image& image) {
+  return Image(image.width >> 1, image.height >> 1, [&](int32_t x, int32_t y) { return image.at(2 * x, 2 * y); });
+}
+
+// Without memory only the result is looked at: what remains depends on which allocation failed.
+void measure(Input& input, uint8_t failing) {
+  Image image;
+  const Size size = frame(input, image);
+  const auto [result, count, marks] = same_twice(failing, [&] {
+    uint32_t counted = kTouched;
+    uint8_t* mark_image = nullptr;
+    const uint32_t code = FP_GetBadPixelsNum(address(image), size.width, size.height, &counted, &mark_image);
+    return std::tuple(code, counted, taken(mark_image, image.pixels.size()));
+  });
+  require(result == QUO_OK || (result == QUO_NO_MEMORY && lacked_memory(std::max(size.width, size.height))),
+          "only memory can fail");
+  if (lacked_memory(std::max(size.width, size.height))) return;
+  const Image half = half_of(image);
+  const uint8_t background = reference::background_value(half).value_or(255);
+  const BadPixels bad = bad_pixels(half, static_cast<int32_t>(half.pixels.size()), background);
+  const Lines lines = bad_lines(image, background);
+  Image expected(image.width, image.height, [&](int32_t x, int32_t y) {
+    if (!bad.marks || bad.marks->pixels.empty()) return uint8_t{0};
+    return bad.marks->at(std::min(x / 2, half.width - 1), std::min(y / 2, half.height - 1));
+  });
+  paint(lines, expected);
+  require(count == 4 * bad.count + lines.pixels(), "the count is the reference's");
+  require(marks == expected.pixels, "the marks are the reference's");
+}
+
+Image repaired(Image image, const Lines& lines) {
+  for (int32_t x = 1; x < image.width; x++) {
+    for (int32_t y = 0; y < image.height; y++) {
+      if (lines.columns.marks[static_cast<size_t>(x)] != 0) image.at(x, y) = image.at(x - 1, y);
+    }
+  }
+  for (int32_t y = 1; y < image.height; y++) {
+    for (int32_t x = 0; x < image.width; x++) {
+      if (lines.rows.marks[static_cast<size_t>(y)] != 0) image.at(x, y) = image.at(x, y - 1);
+    }
+  }
+  return image;
+}
+
+void check(Input& input, uint8_t failing) {
+  const auto entry = choice(input, 2) == 0 ? FP_CheckBadPixelsNum : FP_CheckBadPixelsNum_MCU;
+  const int32_t allowance = number(input);
+  Image image;
+  const Size size = frame(input, image);
+  const auto [result, failed, out] = same_twice(failing, [&] {
+    Image copy = image;
+    uint8_t fail = kTouched;
+    const uint32_t code = entry(address(copy), size.width, size.height, allowance, &fail);
+    return std::tuple(code, int{fail}, copy);
+  });
+  if (result != QUO_OK) {
+    require(result == QUO_NO_MEMORY && lacked_memory(std::max(size.width, size.height)), "only memory can fail");
+    require(out == image && (failed == 0 || (failed == 1 && allowance < 0)), "nothing is repaired then");
+    return;
+  }
+  const Image half = half_of(image);
+  const uint8_t background = reference::background_value(half).value_or(255);
+  const Lines lines = bad_lines(image, background);
+  const bool bad = int64_t{4} * bad_pixels(half, allowance >> 2, background).count > allowance;
+  const bool too_many = bad || (lines.pixels() > 0 && int64_t{lines.pixels()} > allowance);
+  require(failed == (too_many ? 1 : 0), "the verdict is the reference's");
+  require(out == (too_many ? image : repaired(image, lines)), "the repair is the reference's");
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  Input input(data, size);
+  static constexpr void (*kTargets[])(Input&, uint8_t) = {find_lines, mark_lines, erode, count_pixels, measure, check};
+  const uint8_t target = choice(input, std::size(kTargets)), failing = input.byte();
+  kTargets[target](input, failing);
+  return 0;
+}
