@@ -2,6 +2,8 @@
 
 from __future__ import annotations
 
+import ctypes
+import mmap
 from typing import Any, Callable
 
 import numpy as np
@@ -40,7 +42,7 @@ TEMPLATE = q.FP_ExtractSpTemplates(IMAGE).tobytes()
     (lambda: q.RegionGrowByEightNeighbor(0, -1, 1, IMAGE), ValueError, "seed_y: -1"),
     (lambda: q.RegionGrowByEightNeighbor(0, 0, 256, IMAGE), ValueError, "label: 256"),
     (lambda: q.FP_ChooseBestHist([]), ValueError, "frames: 0 is not in 1 to 255"),
-    (lambda: q.FP_ChooseBestHist([None, IMAGE, IMAGE[1:]]), ValueError, r"frames\[2\]: expected shape"),
+    (lambda: q.FP_ChooseBestHist([IMAGE, None, IMAGE[1:]]), ValueError, r"frames\[2\]: expected shape"),
     (lambda: q.tev_AutoGainDacp(None, b"123", 120, 0), ValueError, "frame: needed"),
     (lambda: q.tev_AutoGainDacp(IMAGE, b"12", 120, 0), ValueError, "packed_in: expected 3 bytes, got 2"),
     (lambda: q.tev_AutoGainDacpInside((1, 2, 3, 4, 256), 1, 1, 1.0), ValueError, "settings_in: 256"),
@@ -92,6 +94,21 @@ def test_an_output_may_be_the_source_but_not_overlap_it(function: Callable[..., 
         function(image[1:], out=image[:-1])
     with pytest.raises(ValueError, match="^out: the array overlaps"):
         q.AdaptiveThreshold(image, 5, 0, out=image)
+
+
+def test_short_templates_are_read_no_further_than_they_are() -> None:
+    pages = mmap.mmap(-1, 2 * mmap.PAGESIZE)
+    data = np.frombuffer(pages, np.uint8)
+    unreadable = ctypes.c_void_p(data.ctypes.data + mmap.PAGESIZE)
+    assert ctypes.CDLL(None).mprotect(unreadable, mmap.PAGESIZE, 0) == 0
+    for size in (0, 1, 3, 40):
+        short = data[mmap.PAGESIZE - size : mmap.PAGESIZE]
+        short[:] = np.frombuffer(TEMPLATE[:size], np.uint8)
+        with pytest.raises(q.TemplateMisfitError):
+            q.FP_MatchSpTemplates(TEMPLATE, short)
+        if size:
+            with pytest.raises(q.BadTemplateError):
+                q.DecodeSpTemplates(short)
 
 
 def test_empty_images_are_left_alone() -> None:
