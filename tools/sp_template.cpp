@@ -102,6 +102,13 @@ std::optional<Size> TemplateLayout::frame_size() const {
   return Size{length(0) + 2 * kProfileMargin, length(3) + 2 * kProfileMargin};
 }
 
+ProfileLine profile_line(size_t section, Size frame) {
+  const bool is_row = section < 3;
+  const int32_t across = is_row ? frame.height : frame.width;
+  const int32_t positions[] = {kProfileMargin, across / 2, across - kProfileMargin};
+  return {is_row, positions[section % 3]};
+}
+
 TemplateLayout parse_template(const std::string& name, const std::vector<uint8_t>& bytes) {
   return Parser(name, bytes).parse();
 }

@@ -3,6 +3,7 @@
 
 #include "commands.h"
 #include "inputs.h"
+#include "measures.h"
 #include "quoFPAlg.h"
 #include "table.h"
 
@@ -23,20 +24,20 @@ void define(CLI::App& command, Options& options) {
 Cell mean_cell(uint8_t mean) { return mean == 255 ? Cell() : Cell(int64_t{mean}); }
 
 std::vector<Cell> row_of(const Frame& frame) {
-  uint8_t background = 0, mean = 0, coverage = 0;
-  const bool found = FindBgValue(frame.data(), frame.width, frame.height, nullptr) == 1;
-  check_result(frame.name, "FP_GetImageBgValue",
-               FP_GetImageBgValue(frame.data(), frame.width, frame.height, &background));
-  int32_t x = 0, y = 0;
-  check_result(frame.name, "FP_GetFingerprintInfo",
-               FP_GetFingerprintInfo(frame.data(), frame.width, frame.height, &mean, &coverage, &x, &y));
+  const Finger finger = find_finger(frame);
   uint8_t quarters[4] = {};
   check_result(frame.name, "FP_GetBlockValidArea",
                FP_GetBlockValidArea(frame.data(), frame.width, frame.height, &quarters[0], &quarters[1], &quarters[2],
                                     &quarters[3]));
-  std::vector<Cell> row = {frame.name, frame.width, frame.height, background, found, coverage, mean_cell(mean)};
-  row.push_back(coverage == 0 ? Cell() : Cell(x));
-  row.push_back(coverage == 0 ? Cell() : Cell(y));
+  std::vector<Cell> row = {frame.name,
+                           frame.width,
+                           frame.height,
+                           finger.background,
+                           finger.background_found,
+                           finger.coverage,
+                           optional_cell(finger.mean)};
+  row.push_back(finger.coverage == 0 ? Cell() : Cell(finger.centre_x));
+  row.push_back(finger.coverage == 0 ? Cell() : Cell(finger.centre_y));
   for (const uint8_t quarter : quarters) row.push_back(mean_cell(quarter));
   return row;
 }
