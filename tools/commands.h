@@ -7,6 +7,7 @@ namespace quofp {
 
 // Frames
 void add_info(Commands& commands);
+void add_report(Commands& commands);
 void add_sheet(Commands& commands);
 void add_synth(Commands& commands);
 

@@ -13,7 +13,7 @@ using namespace quofp;
 // In the order of the help. One group a subsystem, kept apart by blank lines.
 constexpr void (*kCommands[])(Commands&) = {
     // Frames
-    add_synth, add_info, add_sheet,
+    add_synth, add_info, add_sheet, add_report,
 
     // Capture preprocessing
     add_preprocess,
