@@ -93,10 +93,10 @@ void add_cleaning_options(CLI::App& command, Cleaning& cleaning) {
                     "rows balanced at a time, to bound the memory; 0 for all");
 }
 
-std::string border_names(uint8_t flags) {
-  std::string names;
+std::vector<std::string> border_names(uint8_t flags) {
+  std::vector<std::string> names;
   for (const auto& [name, flag] : border_flags()) {
-    if ((flags & flag) != 0) names += (names.empty() ? "" : ",") + name;
+    if ((flags & flag) != 0) names.push_back(name);
   }
   return names;
 }

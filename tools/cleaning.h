@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "frame_io.h"
 
@@ -27,8 +28,8 @@ void add_coverage_options(CLI::App& command, Cleaning& cleaning);
 /** The same with --stage and --slice-rows. */
 void add_cleaning_options(CLI::App& command, Cleaning& cleaning);
 
-/** "top,left" for a sum of flags; empty for none. */
-std::string border_names(uint8_t flags);
+/** The names of a sum of flags. */
+std::vector<std::string> border_names(uint8_t flags);
 
 /** @throws Failure when the options do not go together */
 void check(const Cleaning& cleaning);

@@ -5,7 +5,6 @@ REPORT.frames.forEach((frame, index) => { frame.index = index; });
 
 const overview = document.getElementById('overview');
 const detail = document.getElementById('detail');
-const plural = (count, word) => `${count} ${word}${count === 1 ? '' : 's'}`;
 
 document.title = REPORT.title;
 document.getElementById('title').textContent = REPORT.title;
@@ -19,7 +18,8 @@ document.getElementById('meanings').append(el('dl', {}, ...MEASURES.flatMap((mea
   document.getElementById('lead').textContent = [
     plural(REPORT.frames.length, 'frame'), bad === 0 ? 'all of them done' : `${bad} refused or unreadable`,
     background ? `background value ${background}` : null, coverage ? `coverage of ${coverage} % required` : null,
-    borders ? `borders replaced: ${borders}` : null].filter((text) => text !== null).join(' · ');
+    borders.length > 0 ? `borders replaced: ${borders.join(', ')}` : null,
+    commonFolder(REPORT.frames.map((frame) => frame.file)) || null].filter((text) => text !== null).join(' · ');
 }
 
 const table = new FrameTable(REPORT.frames);
@@ -71,7 +71,7 @@ function neighbour(frame, step, text) {
 function figureList(frame) {
   return el('dl', { class: 'figures' }, ...MEASURES.map((measure) => el('div', { title: measure.text },
     el('dt', {}, measure.label),
-    el('dd', {}, el('strong', {}, has(frame, measure.key) ? String(frame[measure.key]) : '–'), ` ${measure.unit}`))));
+    el('dd', {}, el('strong', {}, has(frame, measure.key) ? String(frame[measure.key]) : '–'), ` ${unitOf(measure, frame[measure.key])}`))));
 }
 
 function openFrame(frame) {
@@ -85,7 +85,6 @@ function openFrame(frame) {
     el('p', { class: 'muted' }, `${frame.file} · ${frame.width} × ${frame.height} pixels`),
     ...frame.problems.map((problem) => el('p', { class: 'problem' }, problem)),
     figureList(frame),
-    el('h3', { class: 'hidden' }, 'Stages'),
     data ? el('p', { class: 'muted' }, 'Drag the line over a picture, or move it by the arrow keys: left of it the frame before, right of it after.')
       : el('p', {}, 'The stages of this frame are not in the report; --details says how many are.'),
     el('div', { class: 'stages' }, ...cards));

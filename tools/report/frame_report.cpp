@@ -233,7 +233,8 @@ void gather(std::vector<Failure>& problems, Work work) {
 FrameRow frame_row(const Frame& frame, const Cleaning& cleaning) {
   FrameRow row;
   Json& json = row.json = {{"file", frame.name}, {"width", frame.width}, {"height", frame.height}};
-  json["thumbnail"] = picture(thumbnail(frame));
+  const Frame small = thumbnail(frame);
+  json["thumbnail"] = {{"src", picture(small)}, {"width", small.width}, {"height", small.height}};
   gather(row.problems, [&] {
     const Finger finger = find_finger(frame, static_cast<uint8_t>(cleaning.background));
     json["coverage"] = finger.coverage;

@@ -1,5 +1,5 @@
 // The figures of a frame: how they are named, in which unit they count, and what they say.
-//   scale   ends of the axis of the histogram; without one it follows the values
+//   scale   ends of the axis of the histogram
 //   decades bins of 0, 1 to 9, 10 to 99 and so on, for counts that are mostly 0
 const MEASURES = [
   { key: 'coverage', label: 'Coverage', unit: '%', scale: [0, 100], summary: true, table: true,
@@ -8,7 +8,7 @@ const MEASURES = [
     text: 'Sensor score from a few pixels of every block: directions, contrast and brightness.' },
   { key: 'field_quality', label: 'Field quality', unit: 'of 100', scale: [0, 100], summary: true, table: true,
     text: 'Score from the dense field of ridge orientations of the half-size frame.' },
-  { key: 'snr', label: 'Signal to noise', unit: 'ratio', scale: [0, null], summary: true, table: true,
+  { key: 'snr', label: 'Signal to noise', short: 'SNR', unit: 'ratio', scale: [0, 255], summary: true, table: true,
     text: '10 × variance of the signal ÷ (variance of the noise + 1), median of the blocks, 255 at most.' },
   { key: 'defects', label: 'Defects', unit: 'pixels', decades: true, summary: true, table: true,
     text: 'Pixels on broken columns and rows, and those of dead clusters.' },
@@ -29,8 +29,18 @@ const MEASURES = [
   { key: 'template_size', label: 'Template', unit: 'bytes', text: 'Size of the coded template.' },
 ];
 
+const plural = (count, word) => `${count} ${word}${count === 1 ? '' : 's'}`;
+const unitOf = (measure, value) => (value === 1 ? measure.unit.replace(/s$/, '') : measure.unit);
 const has = (frame, key) => typeof frame[key] === 'number';
 const baseName = (file) => file.slice(file.lastIndexOf('/') + 1);
+
+// Folder that all frames lie in, for the rows to leave out.
+function commonFolder(files) {
+  const folders = files.map((file) => file.slice(0, file.length - baseName(file).length));
+  const parts = (folders[0] ?? '').split('/').slice(0, -1).map((part) => `${part}/`);
+  while (!folders.every((folder) => folder.startsWith(parts.join('')))) parts.pop();
+  return parts.join('');
+}
 
 function median(values) {
   const sorted = [...values].sort((a, b) => a - b);
@@ -48,5 +58,8 @@ function build(element, properties, children) {
   return element;
 }
 const el = (tag, properties, ...children) => build(document.createElement(tag), properties, children);
+// Labels below a graph: [place in percent, text]... What the graph says is in its own label.
+const axis = (...labels) => el('div', { class: 'axis', 'aria-hidden': 'true' }, ...labels.map(([place, text]) =>
+  el('span', { style: `left: ${place}%`, class: place === 0 ? 'first' : place === 100 ? 'last' : null }, text)));
 const svg = (tag, properties, ...children) =>
   build(document.createElementNS('http://www.w3.org/2000/svg', tag), properties, children);

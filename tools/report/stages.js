@@ -3,10 +3,19 @@
 const BLOCK = 8;  // side of the blocks that are finger or not, and of the background patches, in pixels
 
 // Runs are y, x, length, y, x, length...
-function pathOfRuns(runs, unit = 1) {
+function pathOfRuns(runs) {
+  let path = '';
+  for (let i = 0; i < runs.length; i += 3) path += `M${runs[i + 1]} ${runs[i]}h${runs[i + 2]}v1h${-runs[i + 2]}z`;
+  return path;
+}
+
+// The same with each mark as a block of its own.
+function pathOfBlocks(runs) {
   let path = '';
   for (let i = 0; i < runs.length; i += 3) {
-    path += `M${runs[i + 1] * unit} ${runs[i] * unit}h${runs[i + 2] * unit}v${unit}h${-runs[i + 2] * unit}z`;
+    for (let x = runs[i + 1]; x < runs[i + 1] + runs[i + 2]; x++) {
+      path += `M${x * BLOCK} ${runs[i] * BLOCK}h${BLOCK}v${BLOCK}h${-BLOCK}z`;
+    }
   }
   return path;
 }
@@ -47,7 +56,7 @@ class Stages {
         slider.setAttribute('aria-valuetext', `before up to ${slider.value} % of the width`);
       },
     });
-    box.append(before, el('div', { class: 'after' }, ...after), el('span', { class: 'divider' }), slider);
+    box.append(before, el('div', { class: 'after' }, ...after), el('span', { class: 'divider' }), el('span', { class: 'grip', 'aria-hidden': 'true' }), slider);
     return box;
   }
 
@@ -75,7 +84,7 @@ class Stages {
 
   borders() {
     if (!this.details.images.borders) return null;
-    return this.stage('borders', 'Borders', `Border lines replaced by copies of those inside: ${REPORT.settings.borders}.`,
+    return this.stage('borders', 'Borders', `Border lines replaced by copies of those inside: ${REPORT.settings.borders.join(', ')}.`,
       'raw', 'borders');
   }
 
@@ -84,7 +93,7 @@ class Stages {
     const largest = Math.max(1, ...this.details.offsets.map(Math.abs));
     return this.stage('stripes', 'Stripes removed', 'Columns brighter or darker than those around them, set right.',
       this.details.images.borders ? 'borders' : 'raw', 'stripes', this.offsetPlot(largest),
-      legend(['offset', `taken off each column, up to ${largest} gray ${largest === 1 ? 'level' : 'levels'}`]));
+      legend(['offset', `taken off each column, up to ${plural(largest, 'gray level')}`]));
   }
 
   // Bars that stand under the columns of the frame.
@@ -134,7 +143,7 @@ class Stages {
         mark('path', 'stroke centre', { d: `M${x - 5} ${y}h10M${x} ${y - 5}v10` })]
       : [];
     return this.marked('valid', 'Valid blocks', `${this.frame.coverage} % of the blocks are finger.`,
-      [mark('path', 'valid', { d: pathOfRuns(valid.runs, BLOCK) }), ...cross],
+      [mark('path', 'valid', { d: pathOfBlocks(valid.runs) }), ...cross],
       legend(['valid', `finger: mean below ${this.frame.background}`],
         ...(valid.centre ? [['centre', `centre (${x}, ${y}), mean corner of these blocks`]] : [])));
   }
@@ -165,7 +174,7 @@ class Stages {
       mark('path', 'pixel-mark', { d: pathOfRuns(defects.runs) })];
     return this.marked('defects', 'Defects',
       this.frame.defects === 0 ? 'None found.' : 'What reads unlike its surroundings.', shapes,
-      legend(['line-mark', `${columns} columns, ${rows} rows`], ['pixel-mark', `${pixels} dead pixels`]));
+      legend(['line-mark', `${plural(columns, 'column')}, ${plural(rows, 'row')}`], ['pixel-mark', plural(pixels, 'dead pixel')]));
   }
 
   bubbles() {
@@ -184,17 +193,16 @@ class Stages {
     const top = Math.sqrt(Math.max(1, ...histogram)), height = 110;
     const bars = histogram.map((count, gray) =>
       (count === 0 ? '' : `M${gray} ${height}v${(-height * Math.sqrt(count) / top).toFixed(1)}h1V${height}z`)).join('');
-    const limit = (kind, x) => svg('line', { class: kind, x1: x, x2: x, y1: 0, y2: height });
+    const limit = (kind, x) => svg('line', { class: kind, x1: x, x2: x, y1: 0, y2: height, 'vector-effect': 'non-scaling-stroke' });
     const thresholds = [15, 128, 200].map((x) => limit('class-limit', x));
     if (this.frame.background < 255) thresholds.push(limit('background-limit', this.frame.background));
     if (has(this.frame, 'mean')) thresholds.push(limit('mean-limit', this.frame.mean));
-    const tick = (x, anchor) => svg('text', { x, y: height + 12, 'text-anchor': anchor }, x);
     const peak = histogram.indexOf(Math.max(...histogram));
-    const graph = svg('svg', { viewBox: `0 0 256 ${height + 14}`, class: 'grays', role: 'img',
+    const graph = svg('svg', { viewBox: `0 0 256 ${height}`, preserveAspectRatio: 'none', class: 'grays', role: 'img',
       'aria-label': `Histogram of gray levels of the raw frame, peak at ${peak}` },
-    svg('path', { d: bars }), ...thresholds, tick(0, 'start'), tick(64, 'middle'), tick(128, 'middle'), tick(200, 'middle'),
-    tick(255, 'end'));
-    return this.card('grays', 'Gray levels', 'Pixels of the raw frame at each level from 0 to 255, square-root scale.', graph,
+    svg('path', { d: bars }), ...thresholds);
+    const ticks = axis([0, 0], ...[64, 128, 192].map((gray) => [100 * gray / 256, gray]), [100, 255]);
+    return this.card('grays', 'Gray levels', 'Pixels of the raw frame at each level from 0 to 255, square-root scale.', graph, ticks,
       legend(
         ...(this.frame.background < 255 ? [['background-limit', `background value ${this.frame.background}`]] : []),
         ...(has(this.frame, 'mean') ? [['mean-limit', `finger gray ${this.frame.mean}`]] : []),
@@ -226,7 +234,7 @@ class Stages {
     return this.marked('profiles', 'Template profiles',
       `Three rows and three columns, binarised; ${this.frame.template_size} bytes when coded.`, lines,
       el('div', { class: 'profiles' }, ...strips),
-      legend(['dark', 'not brighter than its surroundings'], ['bright', 'brighter'], ['saturated', '254']));
+      legend(['dark', 'not brighter than its surroundings'], ['bright', 'brighter'], ['saturated', 'saturated, 254']));
   }
 
   cards() {

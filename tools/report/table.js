@@ -23,26 +23,25 @@ function compare(column, descending) {
   };
 }
 
-function fileCell(frame) {
-  const name = baseName(frame.file), folder = frame.file.slice(0, frame.file.length - name.length);
+function fileCell(frame, common) {
+  const name = baseName(frame.file), folder = frame.file.slice(common.length, frame.file.length - name.length);
   const readable = frame.result !== 'unreadable';
   return el('th', { scope: 'row' }, el('div', { class: 'file' },
-    frame.thumbnail
-      ? el('img', { src: frame.thumbnail, alt: '', class: 'thumbnail', loading: 'lazy' })
-      : el('span', { class: 'thumbnail none', 'aria-hidden': 'true' }, '×'),
+    el('span', { class: frame.thumbnail ? 'thumbnail' : 'thumbnail none', 'aria-hidden': 'true' },
+      frame.thumbnail ? el('img', { ...frame.thumbnail, alt: '' }) : '×'),
     el('span', { class: 'names' },
-      folder === '' ? null : el('span', { class: 'muted folder' }, folder),
       readable ? el('a', { href: `#frame=${frame.index}` }, name) : el('span', {}, name),
+      folder === '' ? null : el('span', { class: 'muted folder' }, folder),
       ...frame.problems.map((problem) => el('span', { class: 'problem' }, problem)))));
 }
 
-function rowOf(frame) {
+function rowOf(frame, common) {
   const cells = COLUMNS.slice(1).map((column) => {
     const value = column.show ? column.show(frame) : column.value(frame);
     return el('td', { class: column.key === 'result' ? `result ${frame.result}` : 'number' },
       value === null ? el('span', { class: 'muted' }, '–') : String(value));
   });
-  return el('tr', {}, fileCell(frame), ...cells);
+  return el('tr', {}, fileCell(frame, common), ...cells);
 }
 
 class FrameTable {
@@ -50,18 +49,22 @@ class FrameTable {
     this.frames = frames;
     this.column = null;  // in the order of the command line until a column is chosen
     this.descending = false;
-    this.rows = frames.map(rowOf);
+    const common = commonFolder(frames.map((frame) => frame.file));
+    this.rows = frames.map((frame) => rowOf(frame, common));
     this.body = el('tbody');
     this.headings = COLUMNS.map((column) => this.heading(column));
-    document.getElementById('table').append(
-      el('caption', {}, 'Each frame with its figures. The headings sort; a name opens the stages of its frame.'),
+    const widest = Math.max(40, ...frames.map((frame) => frame.thumbnail?.width ?? 0));
+    const table = document.getElementById('table');
+    table.style.setProperty('--thumbnail', `${widest}px`);
+    table.append(
+      el('caption', {}, el('span', {}, 'The headings sort; a name opens the stages of its frame.')),
       el('thead', {}, el('tr', {}, ...this.headings)), this.body);
   }
 
   heading(column) {
     return el('th', { scope: 'col', 'aria-sort': 'none', class: ['file', 'result'].includes(column.key) ? '' : 'number' },
       el('button', { type: 'button', title: column.text, click: () => this.sort(column) },
-        el('span', {}, column.label), el('span', { class: 'unit' }, column.unit ?? '')));
+        el('span', {}, column.short ?? column.label), el('span', { class: 'unit' }, column.unit ?? '')));
   }
 
   sort(column) {
