@@ -13,25 +13,33 @@ using namespace quofp;
 // In the order of the help. One group a subsystem, kept apart by blank lines.
 constexpr void (*kCommands[])(Commands&) = {
     // Frames
-    add_synth, add_info, add_sheet, add_report,
+    add_synth,
+    add_info,
+    add_sheet,
+    add_report,
 
     // Capture preprocessing
     add_preprocess,
 
     // Image quality and orientation
-    add_quality, add_orientation,
+    add_quality,
+    add_orientation,
 
     // Sensor defect inspection
     add_defects,
 
     // Sp templates
-    add_template, add_show, add_match,
+    add_template,
+    add_show,
+    add_match,
 
     // Signal analysis
-    add_snr, add_bubbles,
+    add_snr,
+    add_bubbles,
 
     // Sensor calibration
-    add_gain, add_best,
+    add_gain,
+    add_best,
 
     // Image operator toolbox
     add_op,

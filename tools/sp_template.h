@@ -62,6 +62,6 @@ TemplateLayout parse_template(const std::string& name, const std::vector<uint8_t
 SpTemplate template_of(const Frame& frame);
 
 /** Reads a template, or a frame and makes its template; told apart by content. @throws Failure */
-SpTemplate read_template(const std::string& file, const std::optional<Size>& raw_size);
+SpTemplate read_template(const std::string& file, const Reading& reading);
 
 }  // namespace quofp

@@ -37,16 +37,24 @@ struct Entry {
   FrameRow row;
 };
 
+// Frames that cannot be read get a row, too.
 Exit read_frames(const Inputs& inputs, std::vector<Entry>& entries) {
-  return for_each_item(inputs.files, [&](const std::string& file) {
+  FrameReader reader(inputs.files, inputs.reading);
+  Exit exit = Exit::kDone;
+  for (bool more = true; more;) {
     try {
-      entries.push_back({inputs.read(file), {}});
+      const std::optional<Encoded> encoded = reader.next();
+      more = encoded.has_value();
+      if (!more) break;
+      entries.push_back({decode(*encoded, inputs.reading), {}});
+      if (encoded->first) announce(*entries.back().frame);
     } catch (const Failure& failure) {
-      entries.push_back({std::nullopt, {unreadable_row(file, failure), {}}});
-      throw;
+      report(failure);
+      exit = worse(exit, failure.exit());
+      entries.push_back({std::nullopt, {unreadable_row(failure), {}}});
     }
-    return Exit::kDone;
-  });
+  }
+  return exit;
 }
 
 // Measures all frames; problems are told in the order of the frames.

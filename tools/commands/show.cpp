@@ -14,7 +14,7 @@ namespace {
 
 struct Options {
   std::string file;
-  Inputs reading;
+  Reading reading;
   std::string picture;
   bool runs = false;
   Format format = Format::kTable;
@@ -157,7 +157,7 @@ Canvas draw(const SpTemplate& shown, const TemplateLayout& layout) {
 }
 
 Exit run(const Options& options) {
-  const SpTemplate shown = read_template(options.file, options.reading.raw_size);
+  const SpTemplate shown = read_template(options.file, options.reading);
   const TemplateLayout layout = parse_template(shown.name, shown.bytes);
   if (!options.picture.empty()) draw(shown, layout).save(options.picture);
   if (options.format == Format::kTable) std::cout << title_of(shown, layout) << "\n\n";

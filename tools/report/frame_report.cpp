@@ -31,12 +31,6 @@ Frame thumbnail(Frame frame) {
   return frame;
 }
 
-// Messages name their file first; in its row that goes without saying.
-std::string without_name(const std::string& file, const std::string& message) {
-  const std::string prefix = file + ": ";
-  return message.rfind(prefix, 0) == 0 ? message.substr(prefix.size()) : message;
-}
-
 int64_t count_lines(const Owned<uint8_t>& marks, int32_t lines) {
   return std::count(marks.get(), marks.get() + lines, uint8_t{1});
 }
@@ -269,12 +263,12 @@ FrameRow frame_row(const Frame& frame, const Cleaning& cleaning) {
   });
   json["result"] = row.problems.empty() ? "done" : "refused";
   Json& problems = json["problems"] = Json::array();
-  for (const Failure& problem : row.problems) problems.push_back(without_name(frame.name, problem.what()));
+  for (const Failure& problem : row.problems) problems.push_back(problem.reason());
   return row;
 }
 
-Json unreadable_row(const std::string& file, const Failure& problem) {
-  return {{"file", file}, {"result", "unreadable"}, {"problems", Json::array({without_name(file, problem.what())})}};
+Json unreadable_row(const Failure& problem) {
+  return {{"file", problem.subject()}, {"result", "unreadable"}, {"problems", Json::array({problem.reason()})}};
 }
 
 Json frame_details(const Frame& frame, const Cleaning& cleaning) {

@@ -21,8 +21,8 @@ struct FrameRow {
 
 FrameRow frame_row(const Frame& frame, const Cleaning& cleaning);
 
-/** The row of a file that could not be read. */
-Json unreadable_row(const std::string& file, const Failure& problem);
+/** The row of what could not be read. */
+Json unreadable_row(const Failure& problem);
 
 /** Pictures, marks and plots of a frame; what the library refuses is left out. */
 Json frame_details(const Frame& frame, const Cleaning& cleaning);
