@@ -6,6 +6,7 @@
 namespace quofp {
 
 // Frames
+void add_batch(Commands& commands);
 void add_info(Commands& commands);
 void add_report(Commands& commands);
 void add_sheet(Commands& commands);

@@ -15,6 +15,7 @@ enum class Exit : int {
   kRefused = 1,  // the library refused a frame, or a check that was asked for failed
   kUsage = 2,
   kInputOutput = 3,
+  kInterrupted = 130,  // by SIGINT, as shells report it
 };
 
 inline Exit worse(Exit a, Exit b) { return std::max(a, b); }

@@ -32,11 +32,15 @@ std::optional<Size> parse_size(const std::string& text) {
   return size;
 }
 
-void write_frame(const std::string& path, const Frame& frame) {
+bool is_raw_name(const std::string& path) {
   const std::string ending = std::filesystem::path(path).extension().string();
-  if (ending == ".pgm") {
+  return ending == ".raw" || ending == ".bin";
+}
+
+void write_frame(const std::string& path, const Frame& frame) {
+  if (std::filesystem::path(path).extension() == ".pgm") {
     write_file(path, encode_pgm(frame));
-  } else if (ending == ".raw" || ending == ".bin") {
+  } else if (is_raw_name(path)) {
     write_file(path, frame.pixels);
   } else {
     write_file(path, encode_png(frame));

@@ -52,6 +52,9 @@ bool is_frame_size(int64_t width, int64_t height);
 /** "160x120"; nothing when the text is not two numbers within the bounds. */
 std::optional<Size> parse_size(const std::string& text);
 
+/** Whether frames of this name are bare pixels. */
+bool is_raw_name(const std::string& path);
+
 /** Writes a frame as PNG, or by the name's ending as PGM (.pgm) or as bare pixels (.raw, .bin). */
 void write_frame(const std::string& path, const Frame& frame);
 

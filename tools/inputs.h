@@ -71,16 +71,16 @@ template <typename Work>
 Exit for_each_frame(const Inputs& inputs, Work work) {
   FrameReader reader(inputs.files, inputs.reading);
   Exit exit = Exit::kDone;
-  for (bool more = true; more;) {
-    exit = worse(exit, attempt([&] {
-                   const std::optional<Encoded> encoded = reader.next();
-                   more = encoded.has_value();
-                   if (!more) return Exit::kDone;
-                   Frame frame = decode(*encoded, inputs.reading);
-                   if (encoded->first) announce(frame);
-                   return work(frame);
-                 }));
-  }
+  bool more = true;
+  const auto next = [&] {
+    const std::optional<Encoded> encoded = reader.next();
+    more = encoded.has_value();
+    if (!more) return Exit::kDone;
+    Frame frame = decode(*encoded, inputs.reading);
+    if (encoded->first) announce(frame);
+    return work(frame);
+  };
+  while (more) exit = worse(exit, attempt(next));
   return exit;
 }
 

@@ -15,6 +15,7 @@ constexpr void (*kCommands[])(Commands&) = {
     // Frames
     add_synth,
     add_info,
+    add_batch,
     add_sheet,
     add_report,
 
@@ -54,7 +55,8 @@ Exit run(int argc, char** argv) {
   app.set_version_flag("--version", version);
   app.require_subcommand(1);
   app.footer(
-      "Exit codes: 0 done, 1 the library refused a frame or a check failed, 2 usage, 3 input or output.\n"
+      "Exit codes: 0 done, 1 the library refused a frame or a check failed, 2 usage, 3 input or output,\n"
+      "130 interrupted.\n"
       "Help with examples for a command: quofp COMMAND --help");
   Commands commands(app);
   for (const auto add : kCommands) add(commands);

@@ -97,7 +97,8 @@ TEST_F(Report, TellsTheCornersThatTheLibraryTakesForBackground) {
   write_pgm("corners.pgm", frame);
   quofp("report corners.pgm -o report.html");
   std::map<std::string, bool> found;
-  for (const json& patch : embedded("frame-0")["patches"]) found[patch["name"]] = patch["background"];
+  const json details = embedded("frame-0");
+  for (const json& patch : details["patches"]) found[patch["name"]] = patch["background"];
   EXPECT_EQ(found, (std::map<std::string, bool>{
                        {"top left", true}, {"top right", false}, {"bottom left", false}, {"bottom right", true}}));
 }
@@ -116,20 +117,20 @@ TEST_F(Report, GivesBadFramesARowWithTheReason) {
   quofp_done("synth -o bare.png --coverage 10");
   write("junk.png", "x");
   write_pgm("tiny.pgm", Image(12, 12, 90));
-  const Outcome run = quofp("report good.png bare.png junk.png tiny.pgm -o report.html --min-coverage 50");
+  const Outcome run = quofp("report good.png bare.png junk.png tiny.pgm -o report.html --min-coverage 30");
   EXPECT_EQ(run.exit, 3);
   const json frames = embedded("report")["frames"];
   ASSERT_EQ(frames.size(), 4U);
   EXPECT_THAT(
       std::vector<std::string>({frames[0]["result"], frames[1]["result"], frames[2]["result"], frames[3]["result"]}),
-      ElementsAre("done", "refused", "unreadable", "refused"));
+      ElementsAre("done", "refused", "unreadable", "done"));
   EXPECT_THAT(frames[1]["problems"][0], HasSubstr("FP_ImagePreproc_Step1 returned 5"));
-  EXPECT_FALSE(frames[1].contains("gain"));
+  EXPECT_TRUE(frames[1]["gain"].is_null());
   EXPECT_FALSE(embedded("frame-1")["images"].contains("balance"));
   EXPECT_THAT(frames[2]["problems"], ElementsAre(HasSubstr("neither PNG nor PGM")));
-  EXPECT_THAT(frames[3]["problems"].dump(), testing::AllOf(HasSubstr("FP_ComputeSNR"), HasSubstr("wider and higher")));
+  EXPECT_FALSE(frames[3].contains("snr") || frames[3].contains("template_size"));  // too small for them
   EXPECT_THAT(run.err, HasSubstr("bare.png: FP_ImagePreproc_Step1"));
-  EXPECT_EQ(quofp("report good.png bare.png -o report.html --min-coverage 50").exit, 1);
+  EXPECT_EQ(quofp("report good.png bare.png -o report.html --min-coverage 30").exit, 1);
   EXPECT_EQ(quofp("report good.png -o missing/report.html").exit, 3);
 }
 

@@ -53,12 +53,8 @@ Canvas draw_defects(const Frame& frame, const Defects& defects) {
   const int zoom = fitting_zoom(frame.width, frame.height);
   Canvas canvas(frame, zoom);
   canvas.draw_marks(lines, frame.width, frame.height, 0, 0, zoom, colours::kBlue.with_opacity(0.6));
-  canvas.draw_marks(defects.pixel_marks(frame), frame.width, frame.height, 0, 0, zoom, colours::kRed);
+  canvas.draw_marks(pixel_marks(frame, defects), frame.width, frame.height, 0, 0, zoom, colours::kRed);
   return canvas;
-}
-
-int64_t count_lines(const Owned<uint8_t>& marks, int32_t lines) {
-  return std::count(marks.get(), marks.get() + lines, uint8_t{1});
 }
 
 std::optional<Outputs> outputs_of(const Options& options, const Output& output) {
@@ -87,9 +83,8 @@ Exit run(const Options& options) {
     const bool pass = passes(frame, options.allowance);
     std::optional<std::string> written;
     if (repaired && pass) write_frame(written.emplace(repaired->path_for(frame.name)), frame);
-    table.add({frame.name, defects.background, count_lines(defects.columns, frame.width),
-               count_lines(defects.rows, frame.height), defects.line_pixels, defects.pixels - defects.line_pixels,
-               options.allowance, pass, optional_cell(written)});
+    table.add({frame.name, defects.background, defects.bad_columns, defects.bad_rows, defects.line_pixels,
+               defects.pixels - defects.line_pixels, options.allowance, pass, optional_cell(written)});
     return pass ? Exit::kDone : Exit::kRefused;
   });
   table.print(std::cout, options.format);

@@ -1,10 +1,7 @@
 // quofp quality: how good the library finds frames.
-#include <iostream>
-
 #include "commands.h"
 #include "inputs.h"
-#include "measures.h"
-#include "table.h"
+#include "measure_table.h"
 
 namespace quofp {
 namespace {
@@ -19,17 +16,7 @@ void define(CLI::App& command, Options& options) {
   add_format_option(command, options.format);
 }
 
-Exit run(const Options& options) {
-  Table table({{"file"}, {"quality"}, {"field_quality"}, {"area"}, {"bright"}, {"mean_gray"}});
-  const Exit exit = for_each_frame(options.inputs, [&table](const Frame& frame) {
-    const Scores scores = score(frame);
-    table.add({frame.name, scores.quality, scores.field_quality, scores.area, scores.bright,
-               optional_cell(scores.mean_gray)});
-    return Exit::kDone;
-  });
-  table.print(std::cout, options.format);
-  return exit;
-}
+Exit run(const Options& options) { return print_measure(options.inputs, quality_measure(), options.format); }
 
 }  // namespace
 

@@ -1,12 +1,11 @@
 // quofp report: frames with their figures and stages as one page for a browser.
 #include <algorithm>
-#include <mutex>
-#include <numeric>
+#include <thread>
 
 #include "cleaning.h"
 #include "commands.h"
 #include "inputs.h"
-#include "parallel.h"
+#include "ordered_workers.h"
 #include "progress.h"
 #include "quoFPAlg.h"
 #include "report/page.h"
@@ -57,22 +56,29 @@ Exit read_frames(const Inputs& inputs, std::vector<Entry>& entries) {
   return exit;
 }
 
-// Measures all frames; problems are told in the order of the frames.
+size_t thread_count() { return std::max(1U, std::thread::hardware_concurrency()); }
+
+// Measures the frames that could be read, several at a time, and tells what is wrong in the order of the frames.
 Exit measure_frames(const Cleaning& cleaning, std::vector<Entry>& entries) {
-  Progress progress("Measuring", entries.size());
-  std::mutex guard;
-  in_parallel(entries.size(), [&](size_t i) {
-    if (entries[i].frame) entries[i].row = frame_row(*entries[i].frame, cleaning);
-    const std::lock_guard lock(guard);
-    progress.step();
-  });
   Exit exit = Exit::kDone;
-  for (const Entry& entry : entries) {
-    for (const Failure& problem : entry.row.problems) {
-      report(problem);
-      exit = worse(exit, problem.exit());
-    }
+  Progress progress("measuring", entries.size());
+  auto entry = entries.begin();
+  OrderedWorkers<const Frame*, FrameRow> workers(
+      thread_count(), entries.size() + 1, [&](const Frame* frame) { return frame_row(*frame, cleaning); },
+      [&](const FrameRow& row) {
+        while (!entry->frame) entry++;
+        for (const Failure& problem : row.problems) {
+          progress.clear();
+          report(problem);
+          exit = worse(exit, problem.exit());
+        }
+        (entry++)->row = row;
+        progress.step();
+      });
+  for (const Entry& one : entries) {
+    if (one.frame) workers.give(&*one.frame);
   }
+  workers.finish();
   return exit;
 }
 
@@ -94,13 +100,17 @@ std::vector<size_t> frames_to_detail(const std::vector<Entry>& entries, size_t c
 std::vector<std::string> make_details(const Options& options, const std::vector<Entry>& entries) {
   const std::vector<size_t> chosen = frames_to_detail(entries, static_cast<size_t>(options.details));
   std::vector<std::string> details(entries.size());
-  Progress progress("Drawing", chosen.size());
-  std::mutex guard;
-  in_parallel(chosen.size(), [&](size_t i) {
-    details[chosen[i]] = embedded_json(frame_details(*entries[chosen[i]].frame, options.cleaning));
-    const std::lock_guard lock(guard);
-    progress.step();
-  });
+  Progress progress("drawing", chosen.size());
+  auto next = chosen.begin();
+  OrderedWorkers<size_t, std::string> workers(
+      thread_count(), chosen.size() + 1,
+      [&](size_t i) { return embedded_json(frame_details(*entries[i].frame, options.cleaning)); },
+      [&](const std::string& json) {
+        details[*next++] = json;
+        progress.step();
+      });
+  for (const size_t i : chosen) workers.give(i);
+  workers.finish();
   return details;
 }
 

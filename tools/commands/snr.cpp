@@ -1,10 +1,7 @@
 // quofp snr: signal and noise of frames.
-#include <iostream>
-
 #include "commands.h"
 #include "inputs.h"
-#include "measures.h"
-#include "table.h"
+#include "measure_table.h"
 
 namespace quofp {
 namespace {
@@ -19,16 +16,7 @@ void define(CLI::App& command, Options& options) {
   add_format_option(command, options.format);
 }
 
-Exit run(const Options& options) {
-  Table table({{"file"}, {"snr"}, {"signal"}, {"noise"}});
-  const Exit exit = for_each_frame(options.inputs, [&table](const Frame& frame) {
-    const auto [snr, signal, noise] = measure_noise(frame);
-    table.add({frame.name, snr, signal, noise});
-    return Exit::kDone;
-  });
-  table.print(std::cout, options.format);
-  return exit;
-}
+Exit run(const Options& options) { return print_measure(options.inputs, snr_measure(), options.format); }
 
 }  // namespace
 

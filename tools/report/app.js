@@ -1,7 +1,10 @@
 // Puts the parts together: filters, the view of one frame, and the address that says which one is open.
 
 const REPORT = JSON.parse(document.getElementById('report').textContent);
-REPORT.frames.forEach((frame, index) => { frame.index = index; });
+REPORT.frames.forEach((frame, index) => {
+  frame.index = index;
+  if (has(frame, 'bad_pixels')) frame.defects = frame.line_pixels + frame.bad_pixels;
+});
 
 const overview = document.getElementById('overview');
 const detail = document.getElementById('detail');

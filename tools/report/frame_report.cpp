@@ -31,10 +31,6 @@ Frame thumbnail(Frame frame) {
   return frame;
 }
 
-int64_t count_lines(const Owned<uint8_t>& marks, int32_t lines) {
-  return std::count(marks.get(), marks.get() + lines, uint8_t{1});
-}
-
 Json marked_lines(const Owned<uint8_t>& marks, int32_t lines) {
   Json list = Json::array();
   for (int32_t i = 0; i < lines; i++) {
@@ -67,6 +63,23 @@ std::array<uint8_t, kBlock * kBlock> block_at(const Frame& frame, int32_t left, 
   return block;
 }
 
+// The finger as the report shows it: below the background value that was given, or else the estimated one.
+struct Finger {
+  uint8_t background = 0;
+  uint8_t coverage = 0;  // percent
+  uint8_t mean = 255;    // 255 without finger
+  int32_t centre_x = 0;
+  int32_t centre_y = 0;
+};
+
+Finger find_finger(const Frame& frame, const Cleaning& cleaning) {
+  Finger finger;
+  finger.background = static_cast<uint8_t>(measure(frame, cleaning).background);
+  GetValidArea(frame.data(), frame.width, frame.height, finger.background, &finger.coverage, &finger.mean,
+               &finger.centre_x, &finger.centre_y);
+  return finger;
+}
+
 Json valid_blocks(const Frame& frame, const Finger& finger) {
   const int32_t columns = frame.width / kBlock, rows = frame.height / kBlock;
   std::vector<uint8_t> valid(static_cast<size_t>(columns) * static_cast<size_t>(rows));
@@ -78,7 +91,7 @@ Json valid_blocks(const Frame& frame, const Finger& finger) {
     }
   }
   Json json = {{"runs", runs_of(valid.data(), columns, rows)}};
-  if (finger.mean) json["centre"] = {finger.centre_x, finger.centre_y};
+  if (finger.mean != 255) json["centre"] = {finger.centre_x, finger.centre_y};
   return json;
 }
 
@@ -131,23 +144,13 @@ Json background_patches(const Frame& frame) {
   return json;
 }
 
-// Side of the blocks whose directions the library measures.
-int32_t direction_block_side(const Frame& frame) {
-  const int32_t shorter = std::min(frame.width, frame.height);
-  return shorter >= 192 ? 16 : shorter >= 160 ? 10 : 8;
-}
-
 Json direction_blocks(const Frame& frame) {
-  quo_block_record* records = nullptr;
-  int32_t count = 0;
-  check_result(frame.name, "BlockOrientation_MCU",
-               BlockOrientation_MCU(frame.data(), frame.width, frame.height, &records, &count));
-  const Owned<quo_block_record> blocks(records);
-  const int32_t side = direction_block_side(frame);
+  const Blocks blocks = find_blocks(frame);
+  const int32_t side = block_side(frame);
   Json directions = Json::array(), deviations = Json::array();
-  for (size_t i = 0; i < static_cast<size_t>(count); i++) {
-    directions.push_back(blocks[i].direction);
-    deviations.push_back(static_cast<int>(blocks[i].deviation));
+  for (const quo_block_record& block : blocks.span()) {
+    directions.push_back(block.direction);
+    deviations.push_back(static_cast<int>(block.deviation));
   }
   return {{"side", side}, {"columns", frame.width / side}, {"direction", directions}, {"deviation", deviations}};
 }
@@ -212,6 +215,19 @@ void add_cleaned(Json& details, const Frame& raw, const Cleaning& cleaning) {
   details["images"]["balance"] = picture(balanced);
 }
 
+bool has_template(const Frame& frame) { return std::min(frame.width, frame.height) > 2 * kProfileMargin; }
+
+// Figures under the names of their columns; those that a frame does not have are left out.
+void add_cells(Json& json, const std::vector<Cell>& cells) {
+  auto cell = cells.begin();
+  for (const Measure* const measure : all_measures()) {
+    for (const Column& column : measure->columns) {
+      if (const auto* const number = std::get_if<int64_t>(&*cell)) json[column.name] = *number;
+      cell++;
+    }
+  }
+}
+
 // Calls `work`; what the library refuses becomes a problem.
 template <typename Work>
 void gather(std::vector<Failure>& problems, Work work) {
@@ -226,40 +242,27 @@ void gather(std::vector<Failure>& problems, Work work) {
 
 FrameRow frame_row(const Frame& frame, const Cleaning& cleaning) {
   FrameRow row;
-  Json& json = row.json = {{"file", frame.name}, {"width", frame.width}, {"height", frame.height}};
+  Json& json = row.json = {{"file", frame.name}};
   const Frame small = thumbnail(frame);
   json["thumbnail"] = {{"src", picture(small)}, {"width", small.width}, {"height", small.height}};
+  std::string error;
+  add_cells(json, measure_all(frame, error));
+  if (!error.empty()) row.problems.emplace_back(Exit::kRefused, frame.name, error);
   gather(row.problems, [&] {
-    const Finger finger = find_finger(frame, static_cast<uint8_t>(cleaning.background));
-    json["coverage"] = finger.coverage;
+    const Finger finger = find_finger(frame, cleaning);
     json["background"] = finger.background;
-    if (finger.mean) json["mean"] = *finger.mean;
+    json["coverage"] = finger.coverage;
+    json["mean"] = finger.mean == 255 ? Json() : Json(finger.mean);
   });
-  gather(row.problems, [&] {
-    const Scores scores = score(frame);
-    json["quality"] = scores.quality;
-    json["field_quality"] = scores.field_quality;
-  });
-  gather(row.problems, [&] {
-    const SignalToNoise found = measure_noise(frame);
-    json["snr"] = found.snr;
-    json["signal"] = found.signal;
-    json["noise"] = found.noise;
-  });
-  gather(row.problems, [&] {
-    const Defects defects = find_defects(frame);
-    json["defects"] = defects.pixels;
-    json["bad_columns"] = count_lines(defects.columns, frame.width);
-    json["bad_rows"] = count_lines(defects.rows, frame.height);
-    json["bad_pixels"] = defects.pixels - defects.line_pixels;
-  });
-  gather(row.problems, [&] { json["bubbles"] = find_bubbles(frame).pixels; });
-  gather(row.problems, [&] { json["template_size"] = template_of(frame).bytes.size(); });
+  if (has_template(frame)) {
+    gather(row.problems, [&] { json["template_size"] = template_of(frame).bytes.size(); });
+  }
+  json["gain"] = nullptr;  // until the cleaning has come so far
   gather(row.problems, [&] {
     Frame cleaned = frame;
     Findings findings{};
     clean(cleaned, cleaning, findings);
-    if (findings.gain) json["gain"] = *findings.gain;
+    json["gain"] = findings.gain.value();
   });
   json["result"] = row.problems.empty() ? "done" : "refused";
   Json& problems = json["problems"] = Json::array();
@@ -276,22 +279,20 @@ Json frame_details(const Frame& frame, const Cleaning& cleaning) {
   std::vector<Failure> known;  // the row has told them
   gather(known, [&] { add_cleaned(details, frame, cleaning); });
   gather(known, [&] { details["blocks"] = direction_blocks(frame); });
-  gather(known, [&] {
-    details["valid"] = valid_blocks(frame, find_finger(frame, static_cast<uint8_t>(cleaning.background)));
-  });
+  gather(known, [&] { details["valid"] = valid_blocks(frame, find_finger(frame, cleaning)); });
   details["patches"] = background_patches(frame);
   gather(known, [&] {
     const Defects defects = find_defects(frame);
     details["defects"] = {{"columns", marked_lines(defects.columns, frame.width)},
                           {"rows", marked_lines(defects.rows, frame.height)},
-                          {"runs", runs_of(defects.pixel_marks(frame).data(), frame.width, frame.height)}};
+                          {"runs", runs_of(pixel_marks(frame, defects).data(), frame.width, frame.height)}};
   });
   gather(known, [&] {
     const Bubbles bubbles = find_bubbles(frame);
     details["bubbles"] = bubbles.image ? runs_of(bubbles.image.get(), frame.width, frame.height) : Json::array();
   });
   details["histogram"] = gray_levels(frame);
-  gather(known, [&] { details["profiles"] = template_profiles(frame); });
+  if (has_template(frame)) gather(known, [&] { details["profiles"] = template_profiles(frame); });
   return details;
 }
 

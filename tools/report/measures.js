@@ -12,7 +12,7 @@ const MEASURES = [
     text: '10 × variance of the signal ÷ (variance of the noise + 1), median of the blocks, 255 at most.' },
   { key: 'defects', label: 'Defects', unit: 'pixels', decades: true, summary: true, table: true,
     text: 'Pixels on broken columns and rows, and those of dead clusters.' },
-  { key: 'bubbles', label: 'Bubbles', unit: 'pixels', decades: true, summary: true, table: true,
+  { key: 'bubble_pixels', label: 'Bubbles', unit: 'pixels', decades: true, summary: true, table: true,
     text: 'Bright blobs, at least four standard deviations of a typical block above the mean gray.' },
   { key: 'mean', label: 'Finger gray', unit: 'level', scale: [0, 255], table: true,
     text: 'Mean gray of the blocks that are finger, from 0 (black) to 255 (white).' },

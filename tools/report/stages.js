@@ -180,11 +180,11 @@ class Stages {
   bubbles() {
     const { bubbles } = this.details;
     if (!bubbles) return null;
-    const share = 100 * this.frame.bubbles / (this.frame.width * this.frame.height);
-    return this.marked('bubbles', 'Bubbles', this.frame.bubbles === 0 ? 'None found.'
+    const share = 100 * this.frame.bubble_pixels / (this.frame.width * this.frame.height);
+    return this.marked('bubbles', 'Bubbles', this.frame.bubble_pixels === 0 ? 'None found.'
       : 'Bright blobs. The uncovered sensor is bright as well: look where the finger lies.',
     [mark('path', 'bubble', { d: pathOfRuns(bubbles) })],
-    legend(['bubble', `${this.frame.bubbles} pixels, ${share.toFixed(1)} %`]));
+    legend(['bubble', `${this.frame.bubble_pixels} pixels, ${share.toFixed(1)} %`]));
   }
 
   // Bars on a square-root scale, so that a background peak leaves the ridges visible.
