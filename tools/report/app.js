@@ -49,7 +49,7 @@ let chosenZoom = 0;
 function setZoom(frame) {
   const room = document.documentElement.clientWidth;
   const wished = Math.max(340, room / 5.5);
-  const fitting = Math.max(1, Math.floor(Math.min(wished, room - 40) / frame.width));
+  const fitting = Math.max(1, Math.floor(Math.min(wished, room - 36) / frame.width));
   detail.style.setProperty('--picture', `${(chosenZoom || fitting) * frame.width}px`);
   detail.style.setProperty('--shape', `${frame.width} / ${frame.height}`);
   return fitting;
