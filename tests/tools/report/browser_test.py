@@ -12,9 +12,11 @@ import tempfile
 import unittest
 
 from selenium import webdriver
+from selenium.common.exceptions import StaleElementReferenceException
 from selenium.webdriver.chrome.service import Service
 from selenium.webdriver.common.by import By
 from selenium.webdriver.common.keys import Keys
+from selenium.webdriver.support.ui import WebDriverWait
 
 QUOFP = AXE = None
 FLAGS = ['--headless', '--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run', '--disable-sync',
@@ -78,8 +80,12 @@ class ReportInBrowser(unittest.TestCase):
     def names(self):
         return [cell.text for cell in self.all('tbody .names > :first-child')]
 
-    def press(self, *keys):
-        self.browser.switch_to.active_element.send_keys(*keys)
+    def wait_for_focus(self, tag, text):
+        """Views follow the address a moment later; with the new one the focus moves to what it is about."""
+        def focused(browser):
+            element = browser.switch_to.active_element
+            return (element.tag_name, element.text) == (tag, text)
+        WebDriverWait(self.browser, 20, ignored_exceptions=[StaleElementReferenceException]).until(focused)
 
     def test_sorts_by_a_heading_with_missing_values_last(self):
         heading = self.find('thead th:nth-child(3)')
@@ -111,18 +117,19 @@ class ReportInBrowser(unittest.TestCase):
     def test_opens_frames_by_keyboard_and_comes_back_to_the_row(self):
         self.find('thead th:nth-child(3) button').send_keys(Keys.ENTER)
         self.all('tbody a')[1].send_keys(Keys.ENTER)
-        self.assertEqual(self.find('#detail-title').text, 'finger-3.png')
-        self.assertEqual(self.browser.switch_to.active_element.get_attribute('id'), 'detail-title')
+        self.wait_for_focus('h2', 'finger-3.png')
         self.assertFalse(self.find('#overview').is_displayed())
         cards = ['raw', 'borders', 'stripes', 'balance', 'directions', 'valid', 'background', 'defects', 'bubbles', 'grays',
                  'profiles']
         self.assertEqual([card.get_attribute('id') for card in self.all('.stage')], [f'stage-{name}' for name in cards])
         self.browser.find_element(By.LINK_TEXT, 'Next').send_keys(Keys.ENTER)  # in the order of the table
-        self.assertEqual(self.find('#detail-title').text, 'finger-2.png')
-        self.browser.back()
-        self.browser.back()
+        self.wait_for_focus('h2', 'finger-2.png')
+        self.browser.find_element(By.LINK_TEXT, 'All frames').send_keys(Keys.ENTER)
+        self.wait_for_focus('a', 'finger-2.png')
         self.assertTrue(self.find('#overview').is_displayed())
-        self.assertEqual(self.browser.switch_to.active_element.text, 'finger-3.png')
+        self.browser.back()
+        self.wait_for_focus('h2', 'finger-2.png')
+        self.assertFalse(self.find('#overview').is_displayed())
 
     def test_moves_the_line_of_a_stage_by_keys_and_pointer(self):
         self.open('#frame=0')
