@@ -16,6 +16,7 @@ constexpr void (*kCommands[])(Commands&) = {
     add_synth,
     add_info,
     add_batch,
+    add_diff,
     add_sheet,
     add_report,
 
@@ -44,6 +45,9 @@ constexpr void (*kCommands[])(Commands&) = {
 
     // Image operator toolbox
     add_op,
+
+    // The library itself
+    add_selftest,
 };
 
 std::string version() {
