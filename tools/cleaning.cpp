@@ -1,7 +1,6 @@
 #include "cleaning.h"
 
 #include <map>
-#include <string>
 
 #include "failure.h"
 #include "inputs.h"
@@ -11,18 +10,24 @@ namespace quofp {
 namespace {
 
 constexpr int32_t kTargetSpread = 100;  // of FP_ImagePreproc_Step2
+constexpr unsigned kAllBorders = QUO_BORDER_TOP | QUO_BORDER_BOTTOM | QUO_BORDER_LEFT | QUO_BORDER_RIGHT;
+
+const std::map<std::string, unsigned>& border_flags() {
+  static const std::map<std::string, unsigned> flags = {
+      {"top", QUO_BORDER_TOP}, {"bottom", QUO_BORDER_BOTTOM}, {"left", QUO_BORDER_LEFT}, {"right", QUO_BORDER_RIGHT}};
+  return flags;
+}
 
 // "top,left" as a sum of flags.
-uint8_t border_flags(const std::string& list) {
-  static const std::map<std::string, unsigned> flags = {{"top", QUO_BORDER_TOP},
-                                                        {"bottom", QUO_BORDER_BOTTOM},
-                                                        {"left", QUO_BORDER_LEFT},
-                                                        {"right", QUO_BORDER_RIGHT},
-                                                        {"all", 15}};
+uint8_t parse_borders(const std::string& list) {
   unsigned sum = 0;
   for (const std::string& name : CLI::detail::split(list, ',')) {
-    const auto flag = flags.find(name);
-    if (flag == flags.end()) {
+    if (name == "all") {
+      sum = kAllBorders;
+      continue;
+    }
+    const auto flag = border_flags().find(name);
+    if (flag == border_flags().end()) {
       throw CLI::ValidationError("--borders", "'" + name + "' is not top, bottom, left, right or all");
     }
     sum |= flag->second;
@@ -63,6 +68,17 @@ void balance(Frame& frame, const Cleaning& cleaning, Findings& findings) {
 
 }  // namespace
 
+void add_coverage_options(CLI::App& command, Cleaning& cleaning) {
+  add_number_option(command, "--background", cleaning.background, 0, 255, "background value; 0 estimates it");
+  add_number_option(command, "--min-coverage", cleaning.min_coverage, 0, 100,
+                    "percent of the frame that the finger must cover, with all stages");
+  command
+      .add_option_function<std::string>(
+          "--borders", [&cleaning](const std::string& list) { cleaning.borders = parse_borders(list); },
+          "border lines to replace: top,bottom,left,right or all [none]")
+      ->type_name("LIST");
+}
+
 void add_cleaning_options(CLI::App& command, Cleaning& cleaning) {
   static const std::map<std::string, Stage> stages = {
       {"borders", Stage::kBorders}, {"stripes", Stage::kStripes}, {"balance", Stage::kBalance}, {"all", Stage::kAll}};
@@ -72,16 +88,17 @@ void add_cleaning_options(CLI::App& command, Cleaning& cleaning) {
           "borders, stripes, balance alone, or all [all]")
       ->check(CLI::IsMember(stages).description(""))
       ->type_name("NAME");
-  add_number_option(command, "--background", cleaning.background, 0, 255, "background value; 0 estimates it");
-  add_number_option(command, "--min-coverage", cleaning.min_coverage, 0, 100,
-                    "percent of the frame that the finger must cover, with all stages");
-  command
-      .add_option_function<std::string>(
-          "--borders", [&cleaning](const std::string& list) { cleaning.borders = border_flags(list); },
-          "border lines to replace: top,bottom,left,right or all [none]")
-      ->type_name("LIST");
+  add_coverage_options(command, cleaning);
   add_number_option(command, "--slice-rows", cleaning.slice_rows, 0, kMaxSide,
                     "rows balanced at a time, to bound the memory; 0 for all");
+}
+
+std::vector<std::string> border_names(uint8_t flags) {
+  std::vector<std::string> names;
+  for (const auto& [name, flag] : border_flags()) {
+    if ((flags & flag) != 0) names.push_back(name);
+  }
+  return names;
 }
 
 void check(const Cleaning& cleaning) {

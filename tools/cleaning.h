@@ -4,6 +4,8 @@
 #include <CLI/CLI.hpp>
 #include <cstdint>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "frame_io.h"
 
@@ -20,8 +22,14 @@ struct Cleaning {
   int32_t slice_rows = 0;    // 0 balances the whole frame at once
 };
 
-/** Declares --stage, --background, --min-coverage, --borders and --slice-rows. */
+/** Declares --background, --min-coverage and --borders, for commands that run all stages. */
+void add_coverage_options(CLI::App& command, Cleaning& cleaning);
+
+/** The same with --stage and --slice-rows. */
 void add_cleaning_options(CLI::App& command, Cleaning& cleaning);
+
+/** The names of a sum of flags. */
+std::vector<std::string> border_names(uint8_t flags);
 
 /** @throws Failure when the options do not go together */
 void check(const Cleaning& cleaning);

@@ -5,8 +5,14 @@
 
 namespace quofp {
 
+// The library itself
+void add_selftest(Commands& commands);
+
 // Frames
+void add_batch(Commands& commands);
+void add_diff(Commands& commands);
 void add_info(Commands& commands);
+void add_report(Commands& commands);
 void add_sheet(Commands& commands);
 void add_synth(Commands& commands);
 

@@ -27,20 +27,19 @@ std::string_view result_meaning(uint32_t code) {
 
 Failure usage_failure(const std::string& reason) { return {Exit::kUsage, reason}; }
 
-Failure file_failure(const std::string& file, const std::string& reason) {
-  return {Exit::kInputOutput, file + ": " + reason};
-}
+Failure file_failure(const std::string& file, const std::string& reason) { return {Exit::kInputOutput, file, reason}; }
 
 Failure refusal(const std::string& file, std::string_view function, uint32_t code, std::string_view meaning) {
   const std::string_view words = meaning.empty() ? result_meaning(code) : meaning;
-  return {Exit::kRefused,
-          file + ": " + std::string(function) + " returned " + std::to_string(code) + ": " + std::string(words)};
+  return {Exit::kRefused, file,
+          std::string(function) + " returned " + std::to_string(code) + ": " + std::string(words)};
 }
 
-void report(const std::exception& failure) { std::cerr << "quofp: " << failure.what() << '\n'; }
+// Each message is written at once, so that those of several threads do not mix.
+void report(const std::exception& failure) { std::cerr << "quofp: " + std::string(failure.what()) + "\n"; }
 
 void note(const std::string& file, const std::string& text) {
-  std::cerr << "quofp: note: " << file << ": " << text << '\n';
+  std::cerr << "quofp: note: " + file + ": " + text + "\n";
 }
 
 }  // namespace quofp

@@ -15,6 +15,7 @@ enum class Exit : int {
   kRefused = 1,  // the library refused a frame, or a check that was asked for failed
   kUsage = 2,
   kInputOutput = 3,
+  kInterrupted = 130,  // by SIGINT, as shells report it
 };
 
 inline Exit worse(Exit a, Exit b) { return std::max(a, b); }
@@ -23,10 +24,18 @@ inline Exit worse(Exit a, Exit b) { return std::max(a, b); }
 class Failure : public std::runtime_error {
  public:
   Failure(Exit exit, const std::string& message) : std::runtime_error(message), exit_(exit) {}
+  /** With what it is about in front, a file as a rule. */
+  Failure(Exit exit, const std::string& subject, const std::string& reason)
+      : std::runtime_error(subject + ": " + reason), exit_(exit), subject_(subject) {}
+
   Exit exit() const { return exit_; }
+  const std::string& subject() const { return subject_; }
+  /** The message without the subject. */
+  std::string reason() const { return what() + (subject_.empty() ? 0 : subject_.size() + 2); }
 
  private:
   Exit exit_;
+  std::string subject_;
 };
 
 /** The command line does not make sense. */

@@ -1,4 +1,4 @@
-// Frames as files: PNG, PGM and raw bytes.
+// Frames, and files as a whole.
 #pragma once
 
 #include <cstddef>
@@ -16,6 +16,7 @@ struct Frame {
   int32_t width = 0;
   int32_t height = 0;
   std::vector<uint8_t> pixels;
+  std::string remark;  // what had to be converted to read it, if anything
 
   Frame() = default;
   Frame(std::string frame_name, int32_t w, int32_t h, uint8_t value = 0)
@@ -38,6 +39,7 @@ struct Frame {
 struct Size {
   int32_t width = 0;
   int32_t height = 0;
+  bool operator==(const Size&) const = default;
 };
 
 /** Largest frame that is read or made; a sensor frame is a hundredth of it. */
@@ -50,19 +52,13 @@ bool is_frame_size(int64_t width, int64_t height);
 /** "160x120"; nothing when the text is not two numbers within the bounds. */
 std::optional<Size> parse_size(const std::string& text);
 
-/** Reads a frame. The format is recognised by content; anything but PNG and PGM is taken for raw bytes when
- *  `raw_size` is given. What is not 8-bit gray is converted, with a note on standard error.
- *  @throws Failure that names the file and says what is wrong with it */
-Frame read_frame(const std::string& path, std::optional<Size> raw_size = std::nullopt);
-
-/** The same from the bytes of a file. */
-Frame decode_frame(const std::string& name, std::span<const uint8_t> bytes,
-                   std::optional<Size> raw_size = std::nullopt);
+/** Whether frames of this name are bare pixels. */
+bool is_raw_name(const std::string& path);
 
 /** Writes a frame as PNG, or by the name's ending as PGM (.pgm) or as bare pixels (.raw, .bin). */
 void write_frame(const std::string& path, const Frame& frame);
 
-/** Reads a whole file of at most `limit` bytes. @throws Failure */
+/** Reads a whole file, or with "-" standard input, of at most `limit` bytes. @throws Failure */
 std::vector<uint8_t> read_file(const std::string& path, size_t limit = size_t{1} << 28);
 
 /** Writes a whole file. @throws Failure; nothing half written stays behind */

@@ -8,28 +8,27 @@
 #include <vector>
 
 #include "failure.h"
-#include "frame_io.h"
+#include "frame_reader.h"
 
 namespace quofp {
 
-/** Input files and how to read them. */
+/** What frames to read, and how. */
 struct Inputs {
-  std::vector<std::string> files;
-  std::optional<Size> raw_size;
+  std::vector<std::string> files;  // the arguments; see expand()
+  Reading reading;
 
-  Frame read(const std::string& file) const { return read_frame(file, raw_size); }
-  /** The frame of a command that takes one. */
-  Frame read_only() const { return read(files.at(0)); }
+  /** The frame of a command that takes one. @throws Failure when the argument stands for several */
+  Frame read_only() const;
 };
 
 /** Declares IN..., one or more frames, and the options for reading them. */
 void add_inputs(CLI::App& command, Inputs& inputs);
 
 /** Declares IN, exactly one frame, and the options for reading it. */
-void add_input(CLI::App& command, Inputs& inputs);
+void add_input(CLI::App& command, Inputs& inputs, bool required = true);
 
 /** Declares the options for reading frames alone, for commands whose arguments are something else. */
-void add_reading_options(CLI::App& command, Inputs& inputs);
+void add_reading_options(CLI::App& command, Reading& reading);
 
 /** Where frames go: a file for one input, a folder for several. */
 struct Output {
@@ -40,16 +39,18 @@ struct Output {
 void add_output(CLI::App& command, Output& output, const std::string& description);
 
 /** The output of each input. With several inputs, or when the path ends in a slash or is a folder, outputs lie in that
- *  folder, named as the inputs with another ending. */
+ *  folder, named as the inputs with another ending; frame N of a raw file dump.raw is dump-N. */
 class Outputs {
  public:
   /** @throws Failure when two inputs would share an output, or when the folder cannot be made */
   Outputs(const Inputs& inputs, const Output& output, const std::string& ending = ".png");
 
-  const std::string& path_for(const std::string& file) const { return paths_.at(file); }
+  std::string path_for(const std::string& frame) const;
 
  private:
-  std::map<std::string, std::string> paths_;
+  std::string path_;
+  std::string ending_;
+  bool folder_;
 };
 
 /** Makes a folder and those above it unless they exist. @throws Failure */
@@ -68,10 +69,19 @@ CLI::Option* add_number_option(CLI::App& command, const std::string& name, int32
  *  @return the worst exit code that occurred */
 template <typename Work>
 Exit for_each_frame(const Inputs& inputs, Work work) {
-  return for_each_item(inputs.files, [&](const std::string& file) {
-    Frame frame = inputs.read(file);
+  FrameReader reader(inputs.files, inputs.reading);
+  Exit exit = Exit::kDone;
+  bool more = true;
+  const auto next = [&] {
+    const std::optional<Encoded> encoded = reader.next();
+    more = encoded.has_value();
+    if (!more) return Exit::kDone;
+    Frame frame = decode(*encoded, inputs.reading);
+    if (encoded->first) announce(frame);
     return work(frame);
-  });
+  };
+  while (more) exit = worse(exit, attempt(next));
+  return exit;
 }
 
 }  // namespace quofp

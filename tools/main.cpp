@@ -13,28 +13,41 @@ using namespace quofp;
 // In the order of the help. One group a subsystem, kept apart by blank lines.
 constexpr void (*kCommands[])(Commands&) = {
     // Frames
-    add_synth, add_info, add_sheet,
+    add_synth,
+    add_info,
+    add_batch,
+    add_diff,
+    add_sheet,
+    add_report,
 
     // Capture preprocessing
     add_preprocess,
 
     // Image quality and orientation
-    add_quality, add_orientation,
+    add_quality,
+    add_orientation,
 
     // Sensor defect inspection
     add_defects,
 
     // Sp templates
-    add_template, add_show, add_match,
+    add_template,
+    add_show,
+    add_match,
 
     // Signal analysis
-    add_snr, add_bubbles,
+    add_snr,
+    add_bubbles,
 
     // Sensor calibration
-    add_gain, add_best,
+    add_gain,
+    add_best,
 
     // Image operator toolbox
     add_op,
+
+    // The library itself
+    add_selftest,
 };
 
 std::string version() {
@@ -46,7 +59,8 @@ Exit run(int argc, char** argv) {
   app.set_version_flag("--version", version);
   app.require_subcommand(1);
   app.footer(
-      "Exit codes: 0 done, 1 the library refused a frame or a check failed, 2 usage, 3 input or output.\n"
+      "Exit codes: 0 done, 1 the library refused a frame or a check failed, 2 usage, 3 input or output,\n"
+      "130 interrupted.\n"
       "Help with examples for a command: quofp COMMAND --help");
   Commands commands(app);
   for (const auto add : kCommands) add(commands);

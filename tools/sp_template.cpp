@@ -86,9 +86,9 @@ class Parser {
   size_t room_ = 0;  // bytes of the payload length not coded yet
 };
 
-bool is_frame(const std::vector<uint8_t>& bytes, const std::optional<Size>& raw_size) {
+bool is_frame(const std::vector<uint8_t>& bytes, const Reading& reading) {
   if (is_png(bytes) || is_pgm(bytes)) return true;
-  return raw_size && static_cast<int64_t>(bytes.size()) == int64_t{raw_size->width} * raw_size->height;
+  return reading.reads_raw() && reading.raw.is_one_frame(static_cast<int64_t>(bytes.size()));
 }
 
 }  // namespace
@@ -100,6 +100,13 @@ std::optional<Size> TemplateLayout::frame_size() const {
     if (length(i) != length(i / 3 * 3)) return std::nullopt;
   }
   return Size{length(0) + 2 * kProfileMargin, length(3) + 2 * kProfileMargin};
+}
+
+ProfileLine profile_line(size_t section, Size frame) {
+  const bool is_row = section < 3;
+  const int32_t across = is_row ? frame.height : frame.width;
+  const int32_t positions[] = {kProfileMargin, across / 2, across - kProfileMargin};
+  return {is_row, positions[section % 3]};
 }
 
 TemplateLayout parse_template(const std::string& name, const std::vector<uint8_t>& bytes) {
@@ -121,10 +128,11 @@ SpTemplate template_of(const Frame& frame) {
   return result;
 }
 
-SpTemplate read_template(const std::string& file, const std::optional<Size>& raw_size) {
+SpTemplate read_template(const std::string& file, const Reading& reading) {
   std::vector<uint8_t> bytes = read_file(file);
-  if (is_frame(bytes, raw_size)) {
-    const Frame frame = decode_frame(file, bytes, raw_size);
+  if (is_frame(bytes, reading)) {
+    const Frame frame = decode_file(file, std::move(bytes), reading);
+    announce(frame);
     SpTemplate made = template_of(frame);
     if (frame.width + frame.height > kMatchableSides) {
       throw Failure(Exit::kRefused, file + ": width + height of " + std::to_string(frame.width) + "x" +

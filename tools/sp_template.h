@@ -36,6 +36,16 @@ struct Profile {
   std::vector<uint8_t> values;
 };
 
+/** Where a profile lies in its frame. */
+struct ProfileLine {
+  bool is_row;
+  int32_t position;
+  std::string name() const { return (is_row ? "row " : "column ") + std::to_string(position); }
+};
+
+/** The line of a section, 0 to 5, of a frame. */
+ProfileLine profile_line(size_t section, Size frame);
+
 struct TemplateLayout {
   uint8_t version = 0;
   size_t payload = 0;  // bytes of the profile record without its header
@@ -52,6 +62,6 @@ TemplateLayout parse_template(const std::string& name, const std::vector<uint8_t
 SpTemplate template_of(const Frame& frame);
 
 /** Reads a template, or a frame and makes its template; told apart by content. @throws Failure */
-SpTemplate read_template(const std::string& file, const std::optional<Size>& raw_size);
+SpTemplate read_template(const std::string& file, const Reading& reading);
 
 }  // namespace quofp

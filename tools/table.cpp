@@ -34,6 +34,36 @@ std::string csv_field(const std::string& text) {
   return quoted + '"';
 }
 
+std::string text(const Cell& cell, const Column& column) {
+  if (const auto* value = std::get_if<std::string>(&cell)) return *value;
+  if (const auto* value = std::get_if<int64_t>(&cell)) return std::to_string(*value);
+  if (const auto* value = std::get_if<double>(&cell)) return fixed(*value, column.decimals);
+  if (const auto* value = std::get_if<bool>(&cell)) return *value ? "yes" : "no";
+  return "";
+}
+
+nlohmann::ordered_json json_object(const std::vector<Column>& columns, const std::vector<Cell>& row) {
+  auto object = nlohmann::ordered_json::object();
+  for (size_t i = 0; i < row.size(); i++) {
+    auto& field = object[columns[i].name];
+    if (const auto* number = std::get_if<double>(&row[i])) {
+      if (std::isfinite(*number)) field = std::strtod(text(row[i], columns[i]).c_str(), nullptr);
+    } else {
+      std::visit(
+          [&field](const auto& value) {
+            if constexpr (!std::is_same_v<std::decay_t<decltype(value)>, std::monostate>) field = value;
+          },
+          row[i]);
+    }
+  }
+  return object;
+}
+
+// File names need not be UTF-8; what is not becomes U+FFFD instead of an error.
+std::string dump(const nlohmann::ordered_json& json, int indent) {
+  return json.dump(indent, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+}
+
 bool is_text(const Cell& cell) { return std::holds_alternative<std::string>(cell); }
 
 }  // namespace
@@ -44,6 +74,22 @@ void add_format_option(CLI::App& command, Format& format) {
   command.add_option("--format", format, "how rows are printed: table (default), csv or json")
       ->transform(CLI::CheckedTransformer(names, CLI::ignore_case).description(""))
       ->type_name("FORMAT");
+}
+
+std::string csv_heading(const std::vector<Column>& columns) {
+  std::string line;
+  for (const Column& column : columns) line += (line.empty() ? "" : ",") + column.name;
+  return line;
+}
+
+std::string csv_row(const std::vector<Column>& columns, const std::vector<Cell>& row) {
+  std::string line;
+  for (size_t i = 0; i < row.size(); i++) line += (i == 0 ? "" : ",") + csv_field(text(row[i], columns[i]));
+  return line;
+}
+
+std::string json_row(const std::vector<Column>& columns, const std::vector<Cell>& row) {
+  return dump(json_object(columns, row), -1);
 }
 
 void Table::add(std::vector<Cell> row) {
@@ -62,14 +108,6 @@ void Table::print(std::ostream& out, Format format) const {
   }
 }
 
-std::string Table::text(const Cell& cell, size_t column) const {
-  if (const auto* value = std::get_if<std::string>(&cell)) return *value;
-  if (const auto* value = std::get_if<int64_t>(&cell)) return std::to_string(*value);
-  if (const auto* value = std::get_if<double>(&cell)) return fixed(*value, columns_[column].decimals);
-  if (const auto* value = std::get_if<bool>(&cell)) return *value ? "yes" : "no";
-  return "";
-}
-
 // Text is aligned to the left, numbers to the right, under a heading aligned like them.
 void Table::print_aligned(std::ostream& out) const {
   if (rows_.empty()) return;
@@ -78,7 +116,7 @@ void Table::print_aligned(std::ostream& out) const {
   std::vector<bool> left(columns_.size(), false);
   for (const auto& row : rows_) {
     for (size_t i = 0; i < row.size(); i++) {
-      widths[i] = std::max(widths[i], std::max<size_t>(1, display_width(text(row[i], i))));
+      widths[i] = std::max(widths[i], std::max<size_t>(1, display_width(text(row[i], columns_[i]))));
       left[i] = left[i] || is_text(row[i]);
     }
   }
@@ -95,41 +133,21 @@ void Table::print_aligned(std::ostream& out) const {
   print_line([&](size_t i) { return columns_[i].name; });
   for (const auto& row : rows_) {
     print_line([&](size_t i) {
-      const std::string value = text(row[i], i);
+      const std::string value = text(row[i], columns_[i]);
       return value.empty() ? "-" : value;
     });
   }
 }
 
 void Table::print_csv(std::ostream& out) const {
-  for (size_t i = 0; i < columns_.size(); i++) out << (i == 0 ? "" : ",") << columns_[i].name;
-  out << '\n';
-  for (const auto& row : rows_) {
-    for (size_t i = 0; i < row.size(); i++) out << (i == 0 ? "" : ",") << csv_field(text(row[i], i));
-    out << '\n';
-  }
+  out << csv_heading(columns_) << '\n';
+  for (const auto& row : rows_) out << csv_row(columns_, row) << '\n';
 }
 
 void Table::print_json(std::ostream& out) const {
   auto array = nlohmann::ordered_json::array();
-  for (const auto& row : rows_) {
-    auto object = nlohmann::ordered_json::object();
-    for (size_t i = 0; i < row.size(); i++) {
-      auto& field = object[columns_[i].name];
-      if (const auto* number = std::get_if<double>(&row[i])) {
-        if (std::isfinite(*number)) field = std::strtod(text(row[i], i).c_str(), nullptr);
-      } else {
-        std::visit(
-            [&field](const auto& value) {
-              if constexpr (!std::is_same_v<std::decay_t<decltype(value)>, std::monostate>) field = value;
-            },
-            row[i]);
-      }
-    }
-    array.push_back(std::move(object));
-  }
-  // File names need not be UTF-8; what is not becomes U+FFFD instead of an error.
-  out << array.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << '\n';
+  for (const auto& row : rows_) array.push_back(json_object(columns_, row));
+  out << dump(array, 2) << '\n';
 }
 
 }  // namespace quofp

@@ -32,6 +32,11 @@ Cell optional_cell(const std::optional<T>& value) {
   return value ? Cell(*value) : Cell();
 }
 
+/** The heading and a row as CSV lines, a row as a JSON object in one line; each without the end of the line. */
+std::string csv_heading(const std::vector<Column>& columns);
+std::string csv_row(const std::vector<Column>& columns, const std::vector<Cell>& row);
+std::string json_row(const std::vector<Column>& columns, const std::vector<Cell>& row);
+
 class Table {
  public:
   explicit Table(std::vector<Column> columns) : columns_(std::move(columns)) {}
@@ -44,7 +49,6 @@ class Table {
   void print(std::ostream& out, Format format) const;
 
  private:
-  std::string text(const Cell& cell, size_t column) const;
   void print_aligned(std::ostream& out) const;
   void print_csv(std::ostream& out) const;
   void print_json(std::ostream& out) const;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cinttypes>
 #include <cstdlib>
+#include <fstream>
+#include <sstream>
 #include <thread>
 
 #include "golden/functions.h"
@@ -93,36 +95,44 @@ Hash run_group(const Function& function, const Group& group, Guard guard) {
 
 // Runs the groups of all functions, beginning with the function at `first` and going round, so that threads do different
 // things at a time. Hashes of other groups in the file are left alone.
-Comparison compare_groups(const Expected& expected, const std::vector<Group>& groups, Guard guard, size_t first) {
-  Comparison result;
+void check_groups(const Expected& expected, const std::vector<Group>& groups, Guard guard, size_t first,
+                  const std::function<void(const Check&)>& report) {
   const std::vector<Function> all = functions();
   for (size_t i = 0; i < all.size(); i++) {
     for (const Group& group : groups) {
       const Hash hash = run_group(all[(first + i) % all.size()], group, guard);
       const auto entry =
           std::find_if(expected.begin(), expected.end(), [&](const Hash& e) { return e.name == hash.name; });
-      if (entry == expected.end()) {
-        result.complaints.push_back(hash.name + ": not in the file");
-      } else if (entry->value != hash.value) {
-        result.complaints.push_back(hash.name + ": differs");
-      } else {
-        result.equal++;
-      }
+      report({hash, entry == expected.end() ? std::nullopt : std::optional(entry->value)});
     }
   }
+}
+
+Comparison compare_groups(const Expected& expected, const std::vector<Group>& groups, Guard guard, size_t first) {
+  Comparison result;
+  check_groups(expected, groups, guard, first, [&result](const Check& check) {
+    result.equal += check.equal();
+    if (!check.equal())
+      result.complaints.push_back(check.actual.name + (check.expected ? ": differs" : ": not in the file"));
+  });
   return result;
 }
 
-bool read(const std::string& path, Expected& hashes) {
-  std::FILE* const file = std::fopen(path.c_str(), "r");
-  if (file == nullptr) return false;
-  char line[256], name[128];
-  uint64_t value;
-  while (std::fgets(line, sizeof line, file) != nullptr) {
-    if (line[0] != '#' && std::sscanf(line, "%127s %" SCNx64, name, &value) == 2) hashes.push_back({name, value});
+Expected parse(std::istream& lines) {
+  Expected hashes;
+  for (std::string line; std::getline(lines, line);) {
+    char name[128];
+    uint64_t value;
+    if (line[0] != '#' && std::sscanf(line.c_str(), "%127s %" SCNx64, name, &value) == 2)
+      hashes.push_back({name, value});
   }
-  std::fclose(file);
-  return true;
+  return hashes;
+}
+
+bool read(const std::string& path, Expected& hashes) {
+  std::ifstream file(path);
+  hashes = parse(file);
+  return file.eof();
 }
 
 }  // namespace
@@ -149,6 +159,11 @@ std::vector<Function> functions() {
     result.insert(result.end(), list->begin(), list->end());
   }
   return result;
+}
+
+void check_all(const std::string& text, Guard guard, const std::function<void(const Check&)>& report) {
+  std::istringstream lines(text);
+  check_groups(parse(lines), all_groups(), guard, 0, report);
 }
 
 int compare(const std::string& path, Guard guard, std::FILE* out) {

@@ -3,6 +3,8 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,7 +18,18 @@ struct Hash {
   uint64_t value;
 };
 
-/** Runs all functions and compares them with a file of golden hashes; reports to `out`.
+/** A hash of this machine, and that of the same name among the golden ones. */
+struct Check {
+  Hash actual;
+  std::optional<uint64_t> expected;
+
+  bool equal() const { return expected == actual.value; }
+};
+
+/** Runs all functions and compares them with the text of a file of golden hashes; calls `report` for each hash. */
+void check_all(const std::string& text, Guard guard, const std::function<void(const Check&)>& report);
+
+/** The same with a file; reports to `out`.
  *
  *  Each call is made once with all the memory it asks for, then with its first, second ... allocation failing, alone and
  *  with all later ones, then once more. Ends the program when memory leaks, is freed twice, or when the last result is not

@@ -112,6 +112,71 @@ TEST_F(FrameFiles, ReadsRawBytesOfTheSizeGiven) {
   EXPECT_THAT(quofp("info a.raw --size 3x3").err, HasSubstr("a.raw: 6 bytes, but a raw frame of 3x3 has 9"));
 }
 
+TEST_F(FrameFiles, ReadsRawFramesOfAnyLayout) {
+  write("a.raw", "HEAD123.456.789.abc.XY");
+  const std::string layout = "--size 3x2 --stride 4 --offset 4 ";
+  quofp_done("preprocess a.raw -o out/ --stage stripes --count 2 " + layout);
+  EXPECT_EQ(read_png("out/a-0.png"), Image(3, 2, {'1', '2', '3', '4', '5', '6'}));
+  EXPECT_EQ(read_png("out/a-1.png"), Image(3, 2, {'7', '8', '9', 'a', 'b', 'c'}));
+  EXPECT_EQ(through_tool("'a.raw#1'", layout).at(0, 0), '7');
+  EXPECT_THAT(quofp("info a.raw --count 2 " + layout).err, HasSubstr("a.raw: more bytes follow the 2 frames"));
+
+  // All of a file, as a pipe too; the last one is cut short, and says so.
+  for (const char* const source : {"a.raw", "- <a.raw"}) {
+    const Outcome run = quofp("info --format csv --count 0 " + layout + source);
+    EXPECT_EQ(run.exit, 3);
+    EXPECT_EQ(csv_rows(run.out).size(), 3U) << source;
+    EXPECT_THAT(run.err, HasSubstr("#2: the file ends at byte 22, but the frame has 7 bytes from byte 20 on"));
+  }
+
+  const std::string wide("\x34\x02\xFF\x03\x00\x00", 6);
+  write("wide.raw", wide);
+  EXPECT_EQ(through_tool("wide.raw", "--size 3x1 --bits 10", "values 0 to 1023 scaled to 0 to 255"),
+            Image(3, 1, {141, 255, 0}));
+  const std::string unused = "; none is above 1023, --scale-to-8bit would use the whole range";
+  EXPECT_EQ(through_tool("wide.raw", "--size 3x1 --bits 16", "values 0 to 65535 scaled to 0 to 255" + unused),
+            Image(3, 1, {2, 4, 0}));
+  EXPECT_EQ(through_tool("wide.raw", "--size 3x1 --bits 16 --scale-to-8bit", "values 0 to 1023 scaled to 0 to 255"),
+            Image(3, 1, {141, 255, 0}));
+  EXPECT_EQ(through_tool("wide.raw", "--size 3x1 --bits 16 --endian big", "values 0 to 65535 scaled to 0 to 255"),
+            Image(3, 1, {0x34, 0xFE, 0}));
+  EXPECT_THAT(quofp("info wide.raw --size 3x1 --bits 12 --endian big").err,
+              HasSubstr("wide.raw: raw: pixel (0, 0) is 13314, above the 4095 of 12 bits"));
+  EXPECT_EQ(quofp("info a.raw --offset 3").exit, 2);
+  EXPECT_EQ(quofp("info a.raw --size 3x2 --stride 2").exit, 2);
+}
+
+TEST_F(FrameFiles, CropsAndInverts) {
+  write_pgm("a.pgm", Image(3, 2, {0, 17, 255, 34, 51, 68}));
+  EXPECT_EQ(through_tool("a.pgm", "--crop 1,0,2,2"), Image(2, 2, {17, 255, 51, 68}));
+  EXPECT_EQ(through_tool("a.pgm", "--crop 0,1,3,1 --invert"), Image(3, 1, {221, 204, 187}));
+  EXPECT_EQ(through_tool("a.pgm", "--crop 0,1,3,1 --scale-to-8bit"), Image(3, 1, {0, 128, 255}));
+  EXPECT_THAT(quofp("info a.pgm --crop 1,1,2,2").err, HasSubstr("a.pgm: the part 2x2 at (1, 1) goes beyond"));
+  EXPECT_EQ(quofp("info a.pgm --crop 1,1,2").exit, 2);
+}
+
+TEST_F(FrameFiles, TakesFoldersPatternsAndStandardInput) {
+  for (const char* const name : {"lot/f-10.png", "lot/f-9.PNG", "lot/g.png"}) {
+    std::filesystem::create_directories(path("lot/empty"));
+    quofp_done(std::string("synth --size 24x24 -o ") + name);
+  }
+  write("lot/notes.txt", "no frame");
+  const auto files = [&](const std::string& arguments) {
+    const Outcome run = quofp("info --format csv " + arguments);
+    std::vector<std::string> names;
+    for (const auto& row : csv_rows(run.out)) names.push_back(row[0]);
+    names.push_back(std::to_string(run.exit));
+    return names;
+  };
+  using testing::ElementsAre;
+  EXPECT_THAT(files("lot"), ElementsAre("file", "lot/f-9.PNG", "lot/f-10.png", "lot/g.png", "0"));
+  EXPECT_THAT(files("'lot/f-*' - <lot/g.png"), ElementsAre("file", "lot/f-9.PNG", "lot/f-10.png", "-", "0"));
+  EXPECT_THAT(files("'no*' lot/empty lot/g.png"), ElementsAre("file", "lot/g.png", "3"));
+  quofp_done("preprocess lot -o cleaned");
+  EXPECT_TRUE(exists("cleaned/f-9.png"));
+  EXPECT_EQ(quofp("orientation lot -o a.png").exit, 2);
+}
+
 TEST_F(FrameFiles, RefusesGraymapsThatDoNotHoldWhatTheySay) {
   const char* const contents[] = {"",
                                   "P5",
@@ -141,7 +206,7 @@ TEST_F(FrameFiles, RefusesGraymapsThatDoNotHoldWhatTheySay) {
     write(files.back(), content);
   }
   expect_refused(files);
-  expect_refused({"missing.pgm", "."});
+  expect_refused({"missing.pgm", "/dev"});
 }
 
 TEST_F(FrameFiles, RefusesPicturesCutShortOrDamaged) {

@@ -33,7 +33,7 @@ TEST_F(Op, GivesThePixelsOfTheLibrary) {
   EXPECT_EQ(result("MedianFilter"), expected);
 
   AdaptiveThreshold(frame_.data(), expected.data(), 60, 44, 9, -2);
-  EXPECT_EQ(result("AdaptiveThreshold --window 9 --offset -2"), expected);
+  EXPECT_EQ(result("AdaptiveThreshold --window 9 --below-mean -2"), expected);
 
   expected = frame_;
   BlockGrayStretch(frame_.data(), expected.data(), 60, 44, 12, 12);

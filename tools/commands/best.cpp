@@ -91,7 +91,8 @@ Exit read_frames(const Inputs& inputs, std::vector<Frame>& frames) {
 }
 
 Exit run(const Options& options) {
-  if (options.inputs.files.size() > 255) throw usage_failure("the library chooses among 255 frames at most");
+  const FrameReader reader(options.inputs.files, options.inputs.reading);
+  if (reader.total().value_or(0) > 255) throw usage_failure("the library chooses among 255 frames at most");
   std::vector<Frame> frames;
   const Exit exit = read_frames(options.inputs, frames);
   if (frames.empty()) return exit;

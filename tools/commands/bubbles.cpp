@@ -4,8 +4,7 @@
 #include "canvas.h"
 #include "commands.h"
 #include "inputs.h"
-#include "owned.h"
-#include "quoFPAlg.h"
+#include "measures.h"
 #include "table.h"
 
 namespace quofp {
@@ -21,22 +20,6 @@ void define(CLI::App& command, Options& options) {
   add_inputs(command, options.inputs);
   add_output(command, options.output, "the frame with its bubbles marked, PNG, or a folder for several");
   add_format_option(command, options.format);
-}
-
-struct Bubbles {
-  uint32_t pixels = 0;
-  Owned<uint8_t> image;  // none when no pixel is bright
-};
-
-Bubbles find_bubbles(const Frame& frame) {
-  Bubbles bubbles;
-  uint8_t* image = nullptr;
-  const uint32_t result = CreateBubbleImage(frame.data(), static_cast<uint32_t>(frame.width),
-                                            static_cast<uint32_t>(frame.height), &bubbles.pixels, &image);
-  bubbles.image.reset(image);
-  if (result == QUO_NO_MEMORY) throw refusal(frame.name, "CreateBubbleImage", result, kNoBlock);
-  check_result(frame.name, "CreateBubbleImage", result);
-  return bubbles;
 }
 
 Canvas draw_bubbles(const Frame& frame, const Bubbles& bubbles) {

@@ -7,7 +7,7 @@
 #include "canvas.h"
 #include "commands.h"
 #include "inputs.h"
-#include "owned.h"
+#include "measures.h"
 #include "quoFPAlg.h"
 #include "table.h"
 
@@ -35,42 +35,6 @@ void define(CLI::App& command, Options& options) {
   add_format_option(command, options.format);
 }
 
-struct Defects {
-  uint8_t background = 255;
-  uint32_t pixels = 0;       // of all kinds
-  uint32_t line_pixels = 0;  // of columns and rows
-  Owned<uint8_t> columns;    // 1 where broken
-  Owned<uint8_t> rows;
-  Owned<uint8_t> marks;  // of all kinds
-};
-
-// The level against which the library judges a frame: the background of the half-size one.
-uint8_t reference_level(const Frame& frame) {
-  const int32_t width = frame.width / 2, height = frame.height / 2;
-  std::vector<uint8_t> half(static_cast<size_t>(width) * static_cast<size_t>(height));
-  ZoomImg(frame.data(), half.data(), frame.width, frame.height, 0);
-  uint8_t background = 255;
-  FindBgValue(half.data(), width, height, &background);
-  return background;
-}
-
-Defects find_defects(const Frame& frame) {
-  Defects found;
-  found.background = reference_level(frame);
-  uint8_t *marks = nullptr, *columns = nullptr, *rows = nullptr;
-  uint32_t column_pixels = 0, row_pixels = 0;
-  uint32_t result = FP_GetBadPixelsNum(frame.data(), frame.width, frame.height, &found.pixels, &marks);
-  found.marks.reset(marks);
-  check_result(frame.name, "FP_GetBadPixelsNum", result);
-  result = CheckBadLine(frame.data(), frame.width, frame.height, found.background, &column_pixels, &row_pixels,
-                        &columns, &rows);
-  found.columns.reset(columns);
-  found.rows.reset(rows);
-  check_result(frame.name, "CheckBadLine", result);
-  found.line_pixels = column_pixels + row_pixels;
-  return found;
-}
-
 // Runs the check, which repairs the lines of a frame that passes.
 bool passes(Frame& frame, int32_t allowance) {
   uint8_t fail = 0;
@@ -81,21 +45,16 @@ bool passes(Frame& frame, int32_t allowance) {
 
 // Lines let what lies under them show; bad pixels are small and solid.
 Canvas draw_defects(const Frame& frame, const Defects& defects) {
-  std::vector<uint8_t> lines(frame.pixels.size()), pixels(frame.pixels.size());
+  std::vector<uint8_t> lines(frame.pixels.size());
   for (size_t i = 0; i < lines.size(); i++) {
     const size_t x = i % static_cast<size_t>(frame.width), y = i / static_cast<size_t>(frame.width);
     lines[i] = defects.columns[x] | defects.rows[y];
-    pixels[i] = lines[i] == 0 ? defects.marks[i] : 0;
   }
   const int zoom = fitting_zoom(frame.width, frame.height);
   Canvas canvas(frame, zoom);
   canvas.draw_marks(lines, frame.width, frame.height, 0, 0, zoom, colours::kBlue.with_opacity(0.6));
-  canvas.draw_marks(pixels, frame.width, frame.height, 0, 0, zoom, colours::kRed);
+  canvas.draw_marks(pixel_marks(frame, defects), frame.width, frame.height, 0, 0, zoom, colours::kRed);
   return canvas;
-}
-
-int64_t count_lines(const Owned<uint8_t>& marks, int32_t lines) {
-  return std::count(marks.get(), marks.get() + lines, uint8_t{1});
 }
 
 std::optional<Outputs> outputs_of(const Options& options, const Output& output) {
@@ -124,9 +83,8 @@ Exit run(const Options& options) {
     const bool pass = passes(frame, options.allowance);
     std::optional<std::string> written;
     if (repaired && pass) write_frame(written.emplace(repaired->path_for(frame.name)), frame);
-    table.add({frame.name, defects.background, count_lines(defects.columns, frame.width),
-               count_lines(defects.rows, frame.height), defects.line_pixels, defects.pixels - defects.line_pixels,
-               options.allowance, pass, optional_cell(written)});
+    table.add({frame.name, defects.background, defects.bad_columns, defects.bad_rows, defects.line_pixels,
+               defects.pixels - defects.line_pixels, options.allowance, pass, optional_cell(written)});
     return pass ? Exit::kDone : Exit::kRefused;
   });
   table.print(std::cout, options.format);

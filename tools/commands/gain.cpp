@@ -37,10 +37,7 @@ std::string format_settings(const Packed& packed) {
 }
 
 void define(CLI::App& command, Options& options) {
-  command.add_option("IN", options.inputs.files, "frame to measure: PNG, PGM, or raw bytes with --size")
-      ->expected(0, 1)
-      ->type_name("FILE");
-  add_reading_options(command, options.inputs);
+  add_input(command, options.inputs, false);
   command
       .add_option_function<std::string>(
           "--settings",

@@ -1,10 +1,7 @@
 // quofp info: what the library says about a frame before anything is done to it.
-#include <iostream>
-
 #include "commands.h"
 #include "inputs.h"
-#include "quoFPAlg.h"
-#include "table.h"
+#include "measure_table.h"
 
 namespace quofp {
 namespace {
@@ -19,49 +16,7 @@ void define(CLI::App& command, Options& options) {
   add_format_option(command, options.format);
 }
 
-// The library says 255 where there is no finger to take a mean of.
-Cell mean_cell(uint8_t mean) { return mean == 255 ? Cell() : Cell(int64_t{mean}); }
-
-std::vector<Cell> row_of(const Frame& frame) {
-  uint8_t background = 0, mean = 0, coverage = 0;
-  const bool found = FindBgValue(frame.data(), frame.width, frame.height, nullptr) == 1;
-  check_result(frame.name, "FP_GetImageBgValue",
-               FP_GetImageBgValue(frame.data(), frame.width, frame.height, &background));
-  int32_t x = 0, y = 0;
-  check_result(frame.name, "FP_GetFingerprintInfo",
-               FP_GetFingerprintInfo(frame.data(), frame.width, frame.height, &mean, &coverage, &x, &y));
-  uint8_t quarters[4] = {};
-  check_result(frame.name, "FP_GetBlockValidArea",
-               FP_GetBlockValidArea(frame.data(), frame.width, frame.height, &quarters[0], &quarters[1], &quarters[2],
-                                    &quarters[3]));
-  std::vector<Cell> row = {frame.name, frame.width, frame.height, background, found, coverage, mean_cell(mean)};
-  row.push_back(coverage == 0 ? Cell() : Cell(x));
-  row.push_back(coverage == 0 ? Cell() : Cell(y));
-  for (const uint8_t quarter : quarters) row.push_back(mean_cell(quarter));
-  return row;
-}
-
-Exit run(const Options& options) {
-  Table table({{"file"},
-               {"width"},
-               {"height"},
-               {"background"},
-               {"found"},
-               {"coverage"},
-               {"mean"},
-               {"centre_x"},
-               {"centre_y"},
-               {"top_left"},
-               {"top_right"},
-               {"bottom_left"},
-               {"bottom_right"}});
-  const Exit exit = for_each_frame(options.inputs, [&table](const Frame& frame) {
-    table.add(row_of(frame));
-    return Exit::kDone;
-  });
-  table.print(std::cout, options.format);
-  return exit;
-}
+Exit run(const Options& options) { return print_measure(options.inputs, finger_measure(), options.format); }
 
 }  // namespace
 

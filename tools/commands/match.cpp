@@ -24,7 +24,7 @@ struct Options {
   std::string folder;
   std::string picture;
   bool summary = false;
-  Inputs reading;
+  Reading reading;
   Format format = Format::kTable;
 };
 
@@ -50,8 +50,8 @@ std::optional<int64_t> score_of(const SpTemplate& first, const SpTemplate& secon
 std::string stem_of(const SpTemplate& item) { return fs::path(item.name).stem().string(); }
 
 Exit match_two(const Options& options) {
-  const SpTemplate first = read_template(options.files[0], options.reading.raw_size),
-                   second = read_template(options.files[1], options.reading.raw_size);
+  const SpTemplate first = read_template(options.files[0], options.reading),
+                   second = read_template(options.files[1], options.reading);
   const std::optional<int64_t> score = score_of(first, second);
   if (!score) {
     throw refusal(first.name + " and " + second.name, "FP_MatchSpTemplates", QUO_TEMPLATE_MISFIT,
@@ -61,40 +61,6 @@ Exit match_two(const Options& options) {
   table.add({first.name, second.name, *score});
   table.print(std::cout, options.format);
   return Exit::kDone;
-}
-
-// Whether a comes before b, numbers within the names by their value: finger-9 before finger-10.
-bool in_natural_order(const std::string& a, const std::string& b) {
-  const auto digit = [](char c) { return c >= '0' && c <= '9'; };
-  size_t i = 0, j = 0;
-  while (i < a.size() && j < b.size()) {
-    if (!digit(a[i]) || !digit(b[j])) {
-      if (a[i] != b[j]) return a[i] < b[j];
-      i++, j++;
-      continue;
-    }
-    size_t a_end = i, b_end = j;
-    while (a_end < a.size() && digit(a[a_end])) a_end++;
-    while (b_end < b.size() && digit(b[b_end])) b_end++;
-    while (i < a_end - 1 && a[i] == '0') i++;
-    while (j < b_end - 1 && b[j] == '0') j++;
-    if (a_end - i != b_end - j) return a_end - i < b_end - j;
-    const int order = a.compare(i, a_end - i, b, j, b_end - j);
-    if (order != 0) return order < 0;
-    i = a_end, j = b_end;
-  }
-  return a.size() - i < b.size() - j;
-}
-
-std::vector<std::string> files_of(const std::string& folder) {
-  std::error_code error;
-  std::vector<std::string> files;
-  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
-    if (entry->is_regular_file()) files.push_back(entry->path().string());
-  }
-  if (error) throw file_failure(folder, "cannot be listed: " + error.message());
-  std::sort(files.begin(), files.end(), in_natural_order);
-  return files;
 }
 
 /** Templates and the score of each with each. */
@@ -116,11 +82,11 @@ struct Matrix {
 };
 
 Exit read_all(const Options& options, Matrix& matrix) {
-  const std::vector<std::string> files = files_of(options.folder);
+  const std::vector<std::string> files = list_files(options.folder);
   Progress progress("reading", files.size());
   return for_each_item(files, [&](const std::string& file) {
     progress.step();
-    matrix.items.push_back(read_template(file, options.reading.raw_size));
+    matrix.items.push_back(read_template(file, options.reading));
     return Exit::kDone;
   });
 }

@@ -71,7 +71,7 @@ Count apply_binary(Frame& frame, const Options& options) {
 
 void adaptive_options(CLI::App& command, Options& options) {
   add_number_option(command, "--window", options.window, 1, 1024, "side of the window around each pixel");
-  add_number_option(command, "--offset", options.offset, -255, 255, "gray levels taken off the local mean");
+  add_number_option(command, "--below-mean", options.offset, -255, 255, "gray levels taken off the local mean");
 }
 
 Count apply_adaptive(Frame& frame, const Options& options) {
@@ -128,7 +128,9 @@ void enhance_options(CLI::App& command, Options& options) {
 
 Frame directions_of(const Frame& frame, const Options& options) {
   if (!options.directions.empty()) {
-    Frame field = options.inputs.read(options.directions);
+    Reading plain;  // degrees, which are neither cropped nor inverted
+    plain.raw = options.inputs.reading.raw;
+    Frame field = read_frame(options.directions, plain);
     if (field.width == frame.width && field.height == frame.height) return field;
     throw file_failure(options.directions, "is not of the size of " + frame.name);
   }
@@ -225,7 +227,7 @@ void add_op(Commands& commands) {
       {.name = "op",
        .summary = "Runs one image operator on frames",
        .examples = {"quofp op MedianFilter frame.png -o median.png",
-                    "quofp op AdaptiveThreshold frame.png -o ridges.png --window 15 --offset 3",
+                    "quofp op AdaptiveThreshold frame.png -o ridges.png --window 15 --below-mean 3",
                     "quofp op OrientEnhance frame.png -o sharp.png --radius 3",
                     "quofp op AreaGrayStretch lot/*.png -o stretched/ --window 21x21 --format csv",
                     "quofp op LocalGrayBalance --help"},

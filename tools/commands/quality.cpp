@@ -1,10 +1,7 @@
 // quofp quality: how good the library finds frames.
-#include <iostream>
-
 #include "commands.h"
 #include "inputs.h"
-#include "quoFPAlg.h"
-#include "table.h"
+#include "measure_table.h"
 
 namespace quofp {
 namespace {
@@ -19,26 +16,7 @@ void define(CLI::App& command, Options& options) {
   add_format_option(command, options.format);
 }
 
-constexpr uint8_t kNoMean = 255;  // no mean is this bright: samples of 255 do not count
-
-std::vector<Cell> row_of(const Frame& frame) {
-  uint8_t quality = 0, area = 0, bright = 0, mean_gray = kNoMean, field_quality = 0;
-  check_result(frame.name, "FP_ImageQuality",
-               FP_ImageQuality(frame.data(), frame.width, frame.height, &quality, &area, &bright, &mean_gray));
-  check_result(frame.name, "ImageQuality",
-               ImageQuality(frame.data(), frame.width, frame.height, &field_quality, nullptr, nullptr, nullptr));
-  return {frame.name, quality, field_quality, area, bright, mean_gray == kNoMean ? Cell() : Cell(mean_gray)};
-}
-
-Exit run(const Options& options) {
-  Table table({{"file"}, {"quality"}, {"field_quality"}, {"area"}, {"bright"}, {"mean_gray"}});
-  const Exit exit = for_each_frame(options.inputs, [&table](const Frame& frame) {
-    table.add(row_of(frame));
-    return Exit::kDone;
-  });
-  table.print(std::cout, options.format);
-  return exit;
-}
+Exit run(const Options& options) { return print_measure(options.inputs, quality_measure(), options.format); }
 
 }  // namespace
 

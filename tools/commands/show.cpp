@@ -14,7 +14,7 @@ namespace {
 
 struct Options {
   std::string file;
-  Inputs reading;
+  Reading reading;
   std::string picture;
   bool runs = false;
   Format format = Format::kTable;
@@ -28,20 +28,6 @@ void define(CLI::App& command, Options& options) {
   add_format_option(command, options.format);
 }
 
-/** Where a profile lies in its frame. */
-struct Line {
-  bool is_row;
-  int32_t position;
-  std::string name() const { return (is_row ? "row " : "column ") + std::to_string(position); }
-};
-
-Line line_of(size_t section, Size frame) {
-  const bool is_row = section < 3;
-  const int32_t across = is_row ? frame.height : frame.width;
-  const int32_t positions[] = {kProfileMargin, across / 2, across - kProfileMargin};
-  return {is_row, positions[section % 3]};
-}
-
 int64_t count_of(const Profile& profile, uint8_t value) {
   return std::count(profile.values.begin(), profile.values.end(), value);
 }
@@ -52,7 +38,7 @@ Table section_table(const TemplateLayout& layout) {
   int64_t number = 0;
   for (const Profile& profile : layout.profiles) {
     const auto runs = static_cast<int64_t>(profile.runs.size());
-    const Cell line = frame ? Cell(line_of(static_cast<size_t>(number), *frame).name()) : Cell();
+    const Cell line = frame ? Cell(profile_line(static_cast<size_t>(number), *frame).name()) : Cell();
     table.add({++number, line, static_cast<int64_t>(profile.length), runs, count_of(profile, 0), count_of(profile, 255),
                count_of(profile, 254), 2 + 2 * runs});
   }
@@ -124,7 +110,7 @@ void draw_map(Canvas& canvas, Size frame, double x, double y) {
   const double zoom = static_cast<double>(kMapSide) / std::max(frame.width, frame.height);
   canvas.draw_rectangle({x, y, zoom * frame.width, zoom * frame.height}, colours::kFaint);
   for (size_t section = 0; section < 6; section++) {
-    const Line line = line_of(section, frame);
+    const ProfileLine line = profile_line(section, frame);
     const double at = zoom * (line.position + 0.5), from = zoom * kProfileMargin;
     if (line.is_row) {
       canvas.draw_line(x + from, y + at, x + zoom * (frame.width - kProfileMargin), y + at, colours::kBlue, 1.5);
@@ -163,7 +149,7 @@ Canvas draw(const SpTemplate& shown, const TemplateLayout& layout) {
   const std::optional<Size> frame = layout.frame_size();
   for (size_t i = 0; i < layout.profiles.size(); i++) {
     const std::string section = "section " + std::to_string(i + 1);
-    const std::string name = frame ? line_of(i, *frame).name() : section;
+    const std::string name = frame ? profile_line(i, *frame).name() : section;
     draw_profile(canvas, layout.profiles[i], name, kEdge + kTitle + 34 + static_cast<double>(i) * kStripPitch, zoom);
   }
   if (frame) draw_map(canvas, *frame, strips + 2 * kEdge, kEdge + kTitle + 34);
@@ -171,7 +157,7 @@ Canvas draw(const SpTemplate& shown, const TemplateLayout& layout) {
 }
 
 Exit run(const Options& options) {
-  const SpTemplate shown = read_template(options.file, options.reading.raw_size);
+  const SpTemplate shown = read_template(options.file, options.reading);
   const TemplateLayout layout = parse_template(shown.name, shown.bytes);
   if (!options.picture.empty()) draw(shown, layout).save(options.picture);
   if (options.format == Format::kTable) std::cout << title_of(shown, layout) << "\n\n";

@@ -1,10 +1,7 @@
 // quofp snr: signal and noise of frames.
-#include <iostream>
-
 #include "commands.h"
 #include "inputs.h"
-#include "quoFPAlg.h"
-#include "table.h"
+#include "measure_table.h"
 
 namespace quofp {
 namespace {
@@ -19,24 +16,7 @@ void define(CLI::App& command, Options& options) {
   add_format_option(command, options.format);
 }
 
-std::vector<Cell> row_of(const Frame& frame) {
-  uint8_t snr = 0, signal = 0, noise = 0;
-  const uint32_t result = FP_ComputeSNR(frame.data(), static_cast<uint32_t>(frame.width),
-                                        static_cast<uint32_t>(frame.height), &snr, &signal, &noise);
-  if (result == QUO_NO_MEMORY) throw refusal(frame.name, "FP_ComputeSNR", result, kNoBlock);
-  check_result(frame.name, "FP_ComputeSNR", result);
-  return {frame.name, snr, signal, noise};
-}
-
-Exit run(const Options& options) {
-  Table table({{"file"}, {"snr"}, {"signal"}, {"noise"}});
-  const Exit exit = for_each_frame(options.inputs, [&table](const Frame& frame) {
-    table.add(row_of(frame));
-    return Exit::kDone;
-  });
-  table.print(std::cout, options.format);
-  return exit;
-}
+Exit run(const Options& options) { return print_measure(options.inputs, snr_measure(), options.format); }
 
 }  // namespace
 

@@ -1,5 +1,6 @@
 // quofp synth: frames of fingers that do not exist.
 #include <filesystem>
+#include <fstream>
 #include <map>
 
 #include "commands.h"
@@ -72,7 +73,9 @@ void define_sensor(CLI::App& command, Options& options) {
 }
 
 void define(CLI::App& command, Options& options) {
-  command.add_option("-o,--output", options.output, "the frame (.png, .pgm or .raw), or with --count a folder")
+  command
+      .add_option("-o,--output", options.output,
+                  "the frame (.png, .pgm or .raw), or with --count a folder or one .raw file")
       ->required()
       ->type_name("FILE");
   add_number_option(command, "--count", options.count, 1, 1000000, "number of fingers, with consecutive seeds");
@@ -80,26 +83,40 @@ void define(CLI::App& command, Options& options) {
   define_sensor(command, options);
 }
 
-void write_one(const Options& options, uint64_t seed, const std::string& path) {
+Frame make_frame(const Options& options, int32_t number) {
+  const uint64_t seed = options.finger.seed + static_cast<uint64_t>(number);
   synth::Finger finger = options.finger;
   synth::Sensor sensor = options.sensor;
   finger.seed = seed;
   sensor.seed = options.sensor_seed.value_or(seed);
   sensor.noise_seed = options.noise_seed.value_or(seed);
   sensor.size = options.size.value_or(sensor.size);
-  write_frame(path, synth::capture(finger, sensor));
+  return synth::capture(finger, sensor);
+}
+
+// All frames one after the other, as a sensor would dump them.
+void write_dump(const Options& options) {
+  std::ofstream file(options.output, std::ios::binary);
+  for (int32_t i = 0; file && i < options.count; i++) {
+    const Frame frame = make_frame(options, i);
+    file.write(reinterpret_cast<const char*>(frame.data()), static_cast<std::streamsize>(frame.pixels.size()));
+  }
+  file.close();
+  if (!file) throw file_failure(options.output, "cannot be written");
 }
 
 Exit run(const Options& options) {
   if (options.count == 1) {
-    write_one(options, options.finger.seed, options.output);
-    return Exit::kDone;
-  }
-  make_folder(options.output);
-  for (int32_t i = 0; i < options.count; i++) {
-    const uint64_t seed = options.finger.seed + static_cast<uint64_t>(i);
-    write_one(options, seed,
-              (std::filesystem::path(options.output) / ("finger-" + std::to_string(seed) + ".png")).string());
+    write_frame(options.output, make_frame(options, 0));
+  } else if (is_raw_name(options.output)) {
+    write_dump(options);
+  } else {
+    make_folder(options.output);
+    const std::filesystem::path folder = options.output;
+    for (int32_t i = 0; i < options.count; i++) {
+      const uint64_t seed = options.finger.seed + static_cast<uint64_t>(i);
+      write_frame((folder / ("finger-" + std::to_string(seed) + ".png")).string(), make_frame(options, i));
+    }
   }
   return Exit::kDone;
 }
@@ -113,7 +130,8 @@ void add_synth(Commands& commands) {
                                       "quofp synth -o again.png --noise-seed 7          # the same finger once more",
                                       "quofp synth -o bad.png --stripes 12 --bad-rows 2 --bad-clusters 5",
                                       "quofp synth -o blank.png --coverage 0 --background 240",
-                                      "quofp synth -o lot/ --count 200 --size 192x192"},
+                                      "quofp synth -o lot/ --count 200 --size 192x192",
+                                      "quofp synth -o dump.raw --count 200               # one after the other"},
                          .details = "The same options give the same pixels on every machine."},
                         define, run);
 }

@@ -51,30 +51,41 @@ class Scanner {
   size_t position_ = 2;  // after the magic number
 };
 
-struct Levels {
-  int32_t maximum;
-
-  uint8_t to_8_bit(int32_t value) const { return static_cast<uint8_t>((int64_t{value} * 255 + maximum / 2) / maximum); }
-};
-
-std::vector<int32_t> binary_values(const std::string& name, std::span<const uint8_t> data, size_t count, bool wide) {
-  const size_t needed = wide ? 2 * count : count;
-  if (data.size() != needed) {
-    throw file_failure(name, "PGM: " + std::to_string(data.size()) + " bytes of pixels, but the header asks for " +
-                                 std::to_string(needed));
-  }
-  std::vector<int32_t> values(count);
-  for (size_t i = 0; i < count; i++) values[i] = wide ? data[2 * i] << 8 | data[2 * i + 1] : data[i];
-  return values;
+void check_value(const std::string& name, const Samples& samples, size_t index, int32_t value) {
+  if (value <= samples.maximum) return;
+  throw file_failure(name, "PGM: pixel " + place_of(samples, index) + " is above the largest value, " +
+                               std::to_string(samples.maximum));
 }
 
-std::vector<int32_t> text_values(const std::string& name, Scanner& scanner, size_t count, size_t end) {
-  if (count > end) throw file_failure(name, "PGM: the file is too short for " + std::to_string(count) + " pixels");
-  std::vector<int32_t> values(count);
-  for (int32_t& value : values) value = scanner.number("a pixel");
+void read_binary(const std::string& name, std::span<const uint8_t> bytes, size_t start, Samples& samples) {
+  const bool wide = samples.maximum > 255;
+  const size_t needed = samples.count() * (wide ? 2 : 1), found = bytes.size() - start;
+  if (found != needed) {
+    throw file_failure(name, "PGM: " + std::to_string(found) + " bytes of pixels from byte " + std::to_string(start) +
+                                 " on, but the header asks for " + std::to_string(needed));
+  }
+  samples.values.reserve(samples.count());
+  const uint8_t* const data = bytes.data() + start;
+  for (size_t i = 0; i < samples.count(); i++) {
+    samples.values.push_back(wide ? static_cast<uint16_t>(data[2 * i] << 8 | data[2 * i + 1]) : data[i]);
+    check_value(name, samples, i, samples.values.back());
+  }
+}
+
+void read_text(const std::string& name, Scanner& scanner, size_t end, Samples& samples) {
+  if (samples.count() > end) {
+    throw file_failure(name, "PGM: the file is too short for " + std::to_string(samples.count()) + " pixels");
+  }
+  for (size_t i = 0; i < samples.count(); i++) {
+    const int32_t value = scanner.number("a pixel");
+    check_value(name, samples, i, value);
+    samples.values.push_back(static_cast<uint16_t>(value));
+  }
   scanner.skip_space();
-  if (scanner.position() != end) throw file_failure(name, "PGM: more pixels than the header asks for");
-  return values;
+  if (scanner.position() != end) {
+    throw file_failure(name,
+                       "PGM: more pixels than the header asks for, at byte " + std::to_string(scanner.position()));
+  }
 }
 
 }  // namespace
@@ -84,40 +95,26 @@ bool is_pgm(std::span<const uint8_t> bytes) {
          (is_space(bytes[2]) || bytes[2] == '#');
 }
 
-Frame decode_pgm(const std::string& name, std::span<const uint8_t> bytes) {
+Samples decode_pgm(const std::string& name, std::span<const uint8_t> bytes) {
   Scanner scanner(name, bytes);
-  const int32_t width = scanner.number("the width"), height = scanner.number("the height");
-  const Levels levels{scanner.number("the largest value")};
-  if (!is_frame_size(width, height)) {
-    throw file_failure(name,
-                       "PGM: a size of " + std::to_string(width) + "x" + std::to_string(height) + " is not accepted");
+  Samples samples;
+  samples.width = scanner.number("the width");
+  samples.height = scanner.number("the height");
+  samples.maximum = scanner.number("the largest value");
+  if (!is_frame_size(samples.width, samples.height)) {
+    throw file_failure(name, "PGM: a size of " + std::to_string(samples.width) + "x" + std::to_string(samples.height) +
+                                 " is not accepted");
   }
-  if (levels.maximum < 1 || levels.maximum > 65535) {
-    throw file_failure(name, "PGM: a largest value of " + std::to_string(levels.maximum) + " is not allowed");
+  if (samples.maximum < 1 || samples.maximum > 65535) {
+    throw file_failure(name, "PGM: a largest value of " + std::to_string(samples.maximum) + " is not allowed");
   }
-  Frame frame;
-  frame.name = name;
-  frame.width = width;
-  frame.height = height;
-  const size_t count = static_cast<size_t>(width) * static_cast<size_t>(height);
-  std::vector<int32_t> values;
   if (bytes[1] == '5') {
     scanner.skip_one_space();
-    values = binary_values(name, bytes.subspan(scanner.position()), count, levels.maximum > 255);
+    read_binary(name, bytes, scanner.position(), samples);
   } else {
-    values = text_values(name, scanner, count, bytes.size());
+    read_text(name, scanner, bytes.size(), samples);
   }
-  frame.pixels.resize(count);
-  for (size_t i = 0; i < count; i++) {
-    if (values[i] > levels.maximum) {
-      throw file_failure(name, "PGM: pixel " + std::to_string(i) + " is above the largest value");
-    }
-    frame.pixels[i] = levels.to_8_bit(values[i]);
-  }
-  if (levels.maximum != 255) {
-    note(name, "values 0 to " + std::to_string(levels.maximum) + " scaled to 0 to 255");
-  }
-  return frame;
+  return samples;
 }
 
 std::vector<uint8_t> encode_pgm(const Frame& frame) {

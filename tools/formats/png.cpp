@@ -49,13 +49,12 @@ class Reader {
   Reader& operator=(const Reader&) = delete;
   ~Reader() { png_destroy_read_struct(&png_, &info_, nullptr); }
 
-  // Reads the header and asks for 8-bit gray, gray-alpha, RGB or RGBA samples.
+  // Reads the header and asks for gray, gray-alpha, RGB or RGBA samples of 8 or 16 bits.
   bool read_header() {
     if (setjmp(png_jmpbuf(png_)) != 0) return false;
     png_read_info(png_, info_);
     depth_ = png_get_bit_depth(png_, info_);
     colour_ = png_get_color_type(png_, info_);
-    if (depth_ == 16) png_set_scale_16(png_);
     if (colour_ == PNG_COLOR_TYPE_PALETTE) png_set_palette_to_rgb(png_);
     if (colour_ == PNG_COLOR_TYPE_GRAY && depth_ < 8) png_set_expand_gray_1_2_4_to_8(png_);
     passes_ = png_set_interlace_handling(png_);
@@ -76,8 +75,13 @@ class Reader {
   size_t width() const { return png_get_image_width(png_, info_); }
   size_t height() const { return png_get_image_height(png_, info_); }
   size_t channels() const { return png_get_channels(png_, info_); }
-  const char* message() const { return message_.text; }
+  size_t sample_bytes() const { return depth_ == 16 ? 2 : 1; }
   bool is_8_bit_gray() const { return depth_ == 8 && colour_ == PNG_COLOR_TYPE_GRAY; }
+
+  std::string error() const {
+    return "PNG: " + std::string(message_.text) + ", at byte " + std::to_string(source_.position) + " of " +
+           std::to_string(source_.bytes.size());
+  }
 
   std::string kind() const {
     const char* const name = colour_ == PNG_COLOR_TYPE_PALETTE      ? "palette colour"
@@ -98,11 +102,18 @@ class Reader {
 };
 
 // Luma of ITU-R BT.709 in 1/256; a gray colour keeps its level exactly.
-uint8_t luma(const uint8_t* rgb) { return static_cast<uint8_t>((54 * rgb[0] + 183 * rgb[1] + 19 * rgb[2] + 128) >> 8); }
+uint16_t luma(uint32_t red, uint32_t green, uint32_t blue) {
+  return static_cast<uint16_t>((54 * red + 183 * green + 19 * blue + 128) >> 8);
+}
 
-void take_gray(std::span<const uint8_t> samples, size_t channels, std::span<uint8_t> gray) {
+// Of gray with alpha the gray, of colours the luma.
+void take_gray(std::span<const uint8_t> bytes, size_t channels, size_t sample_bytes, std::span<uint16_t> gray) {
+  const auto sample = [&](size_t i) -> uint16_t {
+    return sample_bytes == 1 ? bytes[i] : static_cast<uint16_t>(bytes[2 * i] << 8 | bytes[2 * i + 1]);
+  };
   for (size_t i = 0; i < gray.size(); i++) {
-    gray[i] = channels < 3 ? samples[i * channels] : luma(&samples[i * channels]);
+    const size_t first = i * channels;
+    gray[i] = channels < 3 ? sample(first) : luma(sample(first), sample(first + 1), sample(first + 2));
   }
 }
 
@@ -126,19 +137,19 @@ bool write_gray(png_structp png, png_infop info, const Frame& frame) {
 
 bool is_png(std::span<const uint8_t> bytes) { return bytes.size() >= 8 && png_sig_cmp(bytes.data(), 0, 8) == 0; }
 
-Frame decode_png(const std::string& name, std::span<const uint8_t> bytes) {
+Samples decode_png(const std::string& name, std::span<const uint8_t> bytes) {
   Reader reader(bytes);
-  if (!reader.read_header()) throw file_failure(name, std::string("PNG: ") + reader.message());
+  if (!reader.read_header()) throw file_failure(name, reader.error());
   const size_t width = reader.width(), height = reader.height(), channels = reader.channels();
   if (!is_frame_size(static_cast<int64_t>(width), static_cast<int64_t>(height))) {
     throw file_failure(name, "PNG: " + std::to_string(width) + "x" + std::to_string(height) + " is too large");
   }
-  std::vector<uint8_t> samples(width * height * channels);
-  if (!reader.read_rows(samples.data())) throw file_failure(name, std::string("PNG: ") + reader.message());
-  Frame frame(name, static_cast<int32_t>(width), static_cast<int32_t>(height));
-  take_gray(samples, channels, frame.pixels);
-  if (!reader.is_8_bit_gray()) note(name, reader.kind() + ", converted to 8-bit gray");
-  return frame;
+  std::vector<uint8_t> rows(width * height * channels * reader.sample_bytes());
+  if (!reader.read_rows(rows.data())) throw file_failure(name, reader.error());
+  Samples samples{static_cast<int32_t>(width), static_cast<int32_t>(height), reader.sample_bytes() == 2 ? 65535 : 255,
+                  std::vector<uint16_t>(width * height), reader.is_8_bit_gray() ? "" : reader.kind()};
+  take_gray(rows, channels, reader.sample_bytes(), samples.values);
+  return samples;
 }
 
 std::vector<uint8_t> encode_png(const Frame& frame) {

@@ -1,0 +1,55 @@
+// What scripts ask: whether two frames are the same, and whether the library is.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tools/tool.h"
+
+using namespace quo_test;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+class Diff : public Tool {
+ protected:
+  Diff() : a(20, 10, [](int32_t x, int32_t y) { return x * y; }) { write_pgm("a.pgm", a); }
+
+  const Image a;
+};
+
+TEST_F(Diff, TellsWhereAndHowMuchFramesDiffer) {
+  EXPECT_THAT(csv_rows(quofp_done("diff a.pgm a.pgm --format csv"))[1],
+              ElementsAre("a.pgm", "a.pgm", "0", "", "", "", "", "0", "", ""));
+  Image b = a;
+  b.at(7, 2) = static_cast<uint8_t>(b.at(7, 2) + 3);
+  b.at(3, 4) = 200;
+  b.at(5, 8) = 240;
+  write_pgm("b.pgm", b);
+  const Outcome run = quofp("diff a.pgm b.pgm --format csv -o picture.png");
+  EXPECT_EQ(run.exit, 1);
+  EXPECT_THAT(csv_rows(run.out)[1], ElementsAre("a.pgm", "b.pgm", "3", "7", "2", "14", "17", "200", "5", "8"));
+  // The frames themselves, then the difference: equal pixels share the darkest colour.
+  const Image picture = read_png("picture.png");
+  const int32_t right = picture.width - 17, bottom = picture.height - 17, zoom = 8;
+  EXPECT_EQ(picture.at(right, bottom), picture.at(right, bottom - 5 * zoom));
+  EXPECT_GT(picture.at(right - 14 * zoom, bottom - zoom), 150);
+  EXPECT_EQ(quofp("diff a.pgm b.pgm --crop 8,0,12,10").exit, 0);
+}
+
+TEST_F(Diff, HasOneCodeForAllTrouble) {
+  write_pgm("small.pgm", Image(20, 9, 0));
+  const Outcome sizes = quofp("diff a.pgm small.pgm");
+  EXPECT_EQ(sizes.exit, 1);
+  EXPECT_THAT(sizes.err, HasSubstr("a.pgm is 20x10, small.pgm is 20x9"));
+  for (const char* const arguments : {"diff a.pgm missing.pgm", "diff a.pgm", "diff a.pgm a.pgm -o missing/a.png"}) {
+    EXPECT_EQ(quofp(arguments).exit, 2) << arguments;
+  }
+}
+
+class SelfTest : public Tool {};
+
+TEST_F(SelfTest, ComparesEveryHashAndGivesAVerdict) {
+  const std::string all = quofp_done("selftest");
+  const std::string verdict = all.substr(all.rfind('\n', all.size() - 2) + 1);
+  EXPECT_THAT(verdict, HasSubstr("This machine gives the same bytes: all "));
+  EXPECT_THAT(all, HasSubstr("  equal\n"));
+  EXPECT_THAT(all, testing::Not(HasSubstr("differs")));
+}
