@@ -32,11 +32,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   Bytes bytes = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
   bytes.insert(bytes.end(), input.rest().begin(), input.rest().end());
   if (correct) correct_checksums(bytes);
-  const auto file = exact(bytes, bytes.size());
-  const auto frame = frame_or_failure([&] { return quofp::decode_frame("input", {file.get(), bytes.size()}); });
+  const auto frame = frame_or_failure([&] { return quofp::decode_file("input", bytes, {}); });
   if (!frame) return 0;
   require_sound(*frame);
   if (frame->pixels.size() > 4096) return 0;
-  require(same(quofp::decode_png("input", quofp::encode_png(*frame)), *frame), "what is written is read again");
+  require(same(quofp::decode_file("input", quofp::encode_png(*frame), {}), *frame), "what is written is read again");
   return 0;
 }

@@ -1,12 +1,11 @@
 // What the targets for the tool's readers share.
 #pragma once
 
-#include <iostream>
 #include <optional>
 #include <string>
 
 #include "failure.h"
-#include "frame_io.h"
+#include "reading.h"
 #include "support/fuzz.h"
 
 namespace quo_fuzz {
@@ -15,7 +14,6 @@ namespace quo_fuzz {
  */
 template <typename Read>
 std::optional<quofp::Frame> frame_or_failure(Read read) {
-  std::cerr.setstate(std::ios::failbit);  // no notes on what is converted
   try {
     return read();
   } catch (const quofp::Failure& failure) {
