@@ -14,11 +14,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const auto raw_size = quofp::parse_size({text.begin(), text.end()});
   require(!raw_size || quofp::is_frame_size(raw_size->width, raw_size->height), "a size is within the bounds");
   quofp::Reading reading;
-  if (raw_size) reading.raw.size = *raw_size;
-  constexpr int32_t kBits[] = {8, 10, 12, 16};
-  reading.raw.bits = kBits[first >> 4 & 3];
-  reading.raw.big_endian = (first >> 6 & 1) != 0;
-  reading.raw.offset = first >> 7;
+  if (raw_size) {
+    constexpr int32_t kBits[] = {8, 10, 12, 16};
+    reading.raw.size = *raw_size;
+    reading.raw.offset = first >> 7;
+    reading.raw.bits = kBits[first >> 4 & 3];
+    reading.raw.big_endian = (first >> 6 & 1) != 0;
+  }
   const auto frame = frame_or_failure([&] {
     return quofp::decode_file("input", {bytes.begin(), bytes.end()}, reading);
   });
