@@ -69,9 +69,9 @@ void adaptive(Input& input, uint8_t) {
   require(output == reference::thresholded(image, whole, offset), "the ridges are the reference's");
 }
 
-// Half of a window, as 16 bits hold it; more than any frame becomes 400.
+// Half of a window, as 16 bits hold it; more than any frame has becomes kSlow.
 int32_t half_size(int32_t window) {
-  return std::min(int32_t{static_cast<int16_t>((std::max(window, 1) - 1) / 2)}, 400);
+  return std::min(int32_t{static_cast<int16_t>((std::max(window, 1) - 1) / 2)}, kSlow);
 }
 
 void stretch(Input& input, uint8_t failing) {

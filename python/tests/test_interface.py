@@ -43,6 +43,7 @@ def test_prototypes_are_those_of_the_header(root: pathlib.Path) -> None:
             function = getattr(_library.c, line.split("(")[0].split()[1])
             assert declared[function.name] == (line.split()[0], function.kinds, function.names)
     assert f"#define QUO_VERSION {quofpalg.VERSION}\n" in header
+    assert f'version = "{quofpalg.VERSION}"\n' in (root / "python/pyproject.toml").read_text()
 
 
 def _import(module: pathlib.Path, library: str) -> subprocess.CompletedProcess[str]:

@@ -63,6 +63,18 @@ TEST(AdaptiveThreshold, FindsClearDeviationsClear) {
   }
 }
 
+// Windows of up to 64 pixels a side are summed in one way, larger ones in another, both in strips.
+TEST(AdaptiveThreshold, EqualsItsLiteralFormForLargeWindowsAndWideImages) {
+  Random random(94);
+  for (const int32_t window : {63, 64, 65, 66, 80}) {
+    for (const Fill fill : {Fill::kRidges, Fill::kBright, Fill::kFlat}) {
+      expect_thresholded(generate(random, 90, 83, fill), window, random.between(-3, 3), Guard::kBefore);
+    }
+  }
+  expect_thresholded(generate(random, 1300, 8, Fill::kRidges), 5, 0, Guard::kAfter);
+  expect_thresholded(generate(random, 620, 70, Fill::kRidges), 67, 0, Guard::kAfter);
+}
+
 TEST(AdaptiveThreshold, ShrinksTheWindowToTheImage) {
   const Image image(5, 3, {9, 80, 3, 200, 40, 5, 70, 90, 1, 0, 255, 6, 33, 44, 55});
   for (const int32_t window : {4, 5, 100, INT32_MAX, 0, INT32_MIN}) {

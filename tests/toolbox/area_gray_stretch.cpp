@@ -58,6 +58,7 @@ TEST(AreaGrayStretch, EqualsItsLiteralFormAcrossStripsAndForWideWindows) {
     expect_stretched(generate(random, 1030, 3, Fill::kRidges), window_width, 3, Guard::kAfter);
   }
   expect_stretched(generate(random, 9, 700, Fill::kBright), 9, 601, Guard::kAfter);
+  expect_stretched(generate(random, 90, 190, Fill::kBright), 257, 379, Guard::kAfter);  // squares beyond 31 bits
 }
 
 TEST(AreaGrayStretch, TakesWindowsBeyondTheImageAndCopiesBeyond16Bits) {

@@ -148,8 +148,8 @@ void add_report(Commands& commands) {
                     "quofp report lot/*.png -o lot.html --details 0      # figures alone, a small file"},
        .details =
            "The page holds everything it shows and needs no network: distributions, a table that sorts and filters,\n"
-           "and for each frame what every step of the library does to it. It takes about 80 KB for each frame of\n"
-           "160x160 with its stages, 5 KB without.\n"
+           "and for each frame what every step of the library does to it. It takes about 75 KB for each frame of\n"
+           "160x160 with its stages, 3 KB without.\n"
            "A frame that cannot be read, or that the library refuses, has its reason in the table and in the exit "
            "code."},
       define, run);
