@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cinttypes>
 #include <cstdlib>
-#include <fstream>
-#include <sstream>
 #include <thread>
 
 #include "golden/functions.h"
@@ -118,21 +116,29 @@ Comparison compare_groups(const Expected& expected, const std::vector<Group>& gr
   return result;
 }
 
-Expected parse(std::istream& lines) {
+Expected parse(const std::string& text) {
   Expected hashes;
-  for (std::string line; std::getline(lines, line);) {
+  for (size_t at = 0; at < text.size();) {
+    const size_t end = std::min(text.find('\n', at), text.size());
+    const std::string line = text.substr(at, end - at);
     char name[128];
     uint64_t value;
     if (line[0] != '#' && std::sscanf(line.c_str(), "%127s %" SCNx64, name, &value) == 2)
       hashes.push_back({name, value});
+    at = end + 1;
   }
   return hashes;
 }
 
+// By C functions, which the memory sanitizer knows; streams would need a C++ library built for it.
 bool read(const std::string& path, Expected& hashes) {
-  std::ifstream file(path);
-  hashes = parse(file);
-  return file.eof();
+  std::FILE* const file = std::fopen(path.c_str(), "r");
+  if (file == nullptr) return false;
+  std::string text;
+  for (int byte = std::fgetc(file); byte != EOF; byte = std::fgetc(file)) text.push_back(static_cast<char>(byte));
+  std::fclose(file);
+  hashes = parse(text);
+  return true;
 }
 
 }  // namespace
@@ -162,8 +168,7 @@ std::vector<Function> functions() {
 }
 
 void check_all(const std::string& text, Guard guard, const std::function<void(const Check&)>& report) {
-  std::istringstream lines(text);
-  check_groups(parse(lines), all_groups(), guard, 0, report);
+  check_groups(parse(text), all_groups(), guard, 0, report);
 }
 
 int compare(const std::string& path, Guard guard, std::FILE* out) {
