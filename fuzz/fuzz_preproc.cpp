@@ -121,7 +121,7 @@ void balance(Input& input, uint8_t failing) {
   Image expected = image;
   if (result == QUO_OK && !image.pixels.empty()) {
     const auto within = [](int32_t value, int32_t most) { return value < 0 ? most : std::min(value, most); };
-    expected = reference::balanced(image, {.radius = within(radius, 400),
+    expected = reference::balanced(image, {.radius = within(radius, 1 << 16),
                                            .band_rows = band == 0 ? image.height : within(band, image.height),
                                            .gain = gain,
                                            .top = top,
