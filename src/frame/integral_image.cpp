@@ -14,12 +14,11 @@ using Sums4 = uint32_t __attribute__((vector_size(16)));
 
 constexpr int32_t kStep = 8;  // pixels at once
 
-// Unaligned loads and stores; the compiler makes one instruction of each.
-template <typename Vector>
-Vector load(const void* from) {
-  Vector vector{};
-  __builtin_memcpy(&vector, from, sizeof vector);
-  return vector;
+// Unaligned; the compiler makes one instruction of it.
+Sums4 load(const uint32_t* from) {
+  Sums4 sums;
+  __builtin_memcpy(&sums, from, sizeof sums);
+  return sums;
 }
 
 // Running sums of eight pixels, in three additions of the sums themselves, shifted by 1, 2 and 4 pixels.
@@ -38,7 +37,7 @@ Words8 running_sums(const uint8_t* source) {
 }
 
 void store_sum(const uint32_t* above, Sums4 run, uint32_t* sums) {
-  const Sums4 sum = load<Sums4>(above) + run;
+  const Sums4 sum = load(above) + run;
   __builtin_memcpy(sums, &sum, sizeof sum);
 }
 
@@ -71,7 +70,7 @@ void quo::add_up(const uint32_t* __restrict values, uint32_t* __restrict sums, i
   Sums4 before{};
   int32_t x = 0;
   for (; x <= count - 4; x += 4) {
-    Sums4 run = load<Sums4>(values + x);
+    Sums4 run = load(values + x);
     run += __builtin_shufflevector(zero, run, 0, 4, 5, 6);
     run += __builtin_shufflevector(zero, run, 0, 0, 4, 5);
     run += before;

@@ -13,20 +13,13 @@
 // pixels side by side, and no further than until all of them are settled.
 namespace {
 
+using quo::GrayFrame;
 using quo::kWhite;
 
 // Columns looked at together: those of a strip of pixels and, on either side, those that their windows reach.
 constexpr int32_t kColumns = 416;
 constexpr int32_t kWidestHalf = 128;  // of a window in a strip; wider windows are read pixel by pixel
 constexpr int32_t kGroup = 64;        // pixels whose distances are added up together
-
-struct Frame {
-  const uint8_t* pixels;
-  int32_t width;
-  int32_t height;
-
-  const uint8_t* row(ptrdiff_t y) const { return pixels + y * width; }
-};
 
 // Columns and rows of a window on each side of its pixel.
 struct Half {
@@ -38,7 +31,7 @@ struct Window {
   int32_t left, right, top, bottom;  // the last column and row included
 };
 
-Window window_around(const Frame& frame, const Half& half, int32_t x, int32_t y) {
+Window window_around(const GrayFrame& frame, const Half& half, int32_t x, int32_t y) {
   return {std::max(x - half.width, 0), x + std::min(half.width, frame.width - 1 - x),  //
           std::max(y - half.height, 0), y + std::min(half.height, frame.height - 1 - y)};
 }
@@ -151,7 +144,7 @@ uint32_t count_open(const uint32_t* __restrict totals, const uint32_t* __restric
 // is half a window left of the first pixel.
 class Strip {
  public:
-  Strip(const Frame& frame, const Half& half, int32_t left)
+  Strip(const GrayFrame& frame, const Half& half, int32_t left)
       : frame_(frame),
         half_(half),
         left_(left),
@@ -290,7 +283,7 @@ class Strip {
     return stretched;
   }
 
-  const Frame& frame_;
+  const GrayFrame& frame_;
   const Half& half_;
   int32_t left_;  // column of the first pixel
   int32_t count_;
@@ -303,7 +296,7 @@ class Strip {
   uint8_t settled_[kColumns];
 };
 
-uint32_t stretch_strips(const Frame& frame, const Half& half, uint8_t* output) {
+uint32_t stretch_strips(const GrayFrame& frame, const Half& half, uint8_t* output) {
   uint32_t stretched = 0;
   for (int32_t left = 0; left < frame.width;) {
     Strip strip(frame, half, left);
@@ -314,7 +307,7 @@ uint32_t stretch_strips(const Frame& frame, const Half& half, uint8_t* output) {
 }
 
 // A window read pixel by pixel. Returns whether the pixel is stretched.
-bool stretch_pixel(const Frame& frame, const Window& window, uint8_t pixel, uint8_t& output) {
+bool stretch_pixel(const GrayFrame& frame, const Window& window, uint8_t pixel, uint8_t& output) {
   uint8_t lo = 255, end = 0;
   uint64_t number = 0, distances = 0;
   for (int32_t y = window.top; y <= window.bottom; y++) {
@@ -332,7 +325,7 @@ bool stretch_pixel(const Frame& frame, const Window& window, uint8_t pixel, uint
   return true;
 }
 
-uint32_t stretch_pixel_by_pixel(const Frame& frame, const Half& half, uint8_t* output) {
+uint32_t stretch_pixel_by_pixel(const GrayFrame& frame, const Half& half, uint8_t* output) {
   uint32_t stretched = 0;
   for (int32_t y = 0; y < frame.height; y++) {
     for (int32_t x = 0; x < frame.width; x++) {
@@ -346,7 +339,7 @@ uint32_t stretch_pixel_by_pixel(const Frame& frame, const Half& half, uint8_t* o
   return stretched;
 }
 
-void copy_but_black(const Frame& frame, uint8_t* output) {
+void copy_but_black(const GrayFrame& frame, uint8_t* output) {
   for (ptrdiff_t i = 0; i < static_cast<ptrdiff_t>(frame.height) * frame.width; i++) {
     if (frame.pixels[i] > 0) output[i] = frame.pixels[i];
   }
@@ -360,7 +353,7 @@ int32_t half_size(int32_t window_size) { return static_cast<int16_t>((std::max(w
 uint32_t AreaGrayStretch(const uint8_t* source, uint8_t* output, int32_t width, int32_t height, int32_t window_width,
                          int32_t window_height) {
   if (width < 1 || height < 1) return 0;
-  const Frame frame{source, width, height};
+  const GrayFrame frame{source, width, height};
   const Half half{std::min(half_size(window_width), width - 1), std::min(half_size(window_height), height - 1)};
   if (half.width < 0 || half.height < 0) {
     copy_but_black(frame, output);

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "frame/gray.h"
 #include "frame/multiversion.h"
 
 namespace {

@@ -1,18 +1,11 @@
 // Mean and mean absolute deviation of an image's gray values.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 
+#include "frame/gray.h"
+
 namespace quo {
-
-struct GrayFrame {
-  const uint8_t* pixels;
-  int32_t width;
-  int32_t height;
-
-  const uint8_t* row(int32_t y) const { return pixels + static_cast<ptrdiff_t>(y) * width; }
-};
 
 /** Of the pixels below 255 of an image, the outermost rows and columns left out. */
 struct GlobalContrast {

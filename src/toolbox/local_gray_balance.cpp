@@ -2,6 +2,7 @@
 #include <cmath>
 #include <cstddef>
 
+#include "frame/eight_bytes.h"
 #include "frame/gray.h"
 #include "frame/integral_image.h"
 #include "frame/multiversion.h"
@@ -211,19 +212,11 @@ QUO_MULTIVERSION void truncate_results(const uint8_t* __restrict pixels, const f
   }
 }
 
-// Whether none of eight bytes is 255.
-bool eight_are_clear(const uint8_t* bytes) {
-  constexpr uint64_t kOnes = 0x0101010101010101;
-  uint64_t eight;
-  __builtin_memcpy(&eight, bytes, sizeof eight);
-  return ((~eight - kOnes) & eight & kOnes * 0x80) == 0;
-}
-
 // Balances the pixels of a row's columns from `first` on whose results are 255, which is all of them at first.
 void balance_by_definition(const uint8_t* pixels, const Windows& windows, int32_t first, int32_t count,
                            Definition& definition, uint8_t* results) {
   for (int32_t x = first; x < first + count; x++) {
-    while (first + count - x >= 8 && eight_are_clear(results + x)) x += 8;
+    while (first + count - x >= 8 && !quo::has_zero_byte(~quo::load_eight(results + x))) x += 8;  // none is 255
     if (x == first + count) return;
     if (results[x] != kWhite || pixels[x] == kWhite) continue;
     const Extent columns = windows.columns(x);
@@ -237,9 +230,8 @@ void balance_image(const GrayFrame& frame, Windows& windows, const quo::GlobalCo
   const double error = static_cast<double>(contrast.count + 1024) * 0x1p-53;
   const Balance near(contrast, contrast.deviation, error);
   const bool quick = contrast.count <= kMostQuickPixels && near.gain <= kLargestQuickGain && small_windows;
-  const Balance exact(contrast, quick ? 1 : quo::defined_deviation(frame, contrast), 0);
   const float margin = 0x1p-11F * (static_cast<float>(near.gain) + 1);
-  Definition definition(frame, contrast, quick ? near : exact);
+  Definition definition(frame, contrast, quick ? near : Balance(contrast, quo::defined_deviation(frame, contrast), 0));
   for (int32_t y = 0; y < frame.height; y++) {
     const uint8_t* const pixels = frame.row(y);
     uint8_t* const results = output + static_cast<ptrdiff_t>(y) * frame.width;

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "frame/eight_bytes.h"
 #include "frame/scratch.h"
 #include "quoFPAlg.h"
 
@@ -8,20 +9,6 @@ namespace {
 
 constexpr ptrdiff_t kFrame = 2;       // outermost rows and columns on each side whose pixels never join
 constexpr uint32_t kByteRange = 256;  // columns or rows that a byte can number
-
-// Long runs are looked at and labelled eight pixels at a time.
-constexpr uint64_t kOnes = 0x0101010101010101;
-
-uint64_t eight_at(const uint8_t* bytes) {
-  uint64_t eight;
-  __builtin_memcpy(&eight, bytes, sizeof eight);
-  return eight;
-}
-
-void label_eight(uint8_t* labels, uint8_t label) {
-  const uint64_t eight = kOnes * label;
-  __builtin_memcpy(labels, &eight, sizeof eight);
-}
 
 struct Region {
   ptrdiff_t count;
@@ -65,11 +52,13 @@ class Growth {
     uint8_t label;
 
     bool joins(ptrdiff_t x) const { return labels[x] == 0 && image[x] == gray; }
-    bool eight_join(ptrdiff_t x) const { return eight_at(labels + x) == 0 && eight_at(image + x) == kOnes * gray; }
-    bool eight_labelled(ptrdiff_t x) const {
-      const uint64_t eight = eight_at(labels + x);
-      return ((eight - kOnes) & ~eight & kOnes * 0x80) == 0;  // no byte of them is 0
+
+    // Long runs are looked at and labelled eight pixels at a time.
+    bool eight_join(ptrdiff_t x) const {
+      return quo::load_eight(labels + x) == 0 && quo::load_eight(image + x) == quo::kEightTimes * gray;
     }
+    bool eight_labelled(ptrdiff_t x) const { return !quo::has_zero_byte(quo::load_eight(labels + x)); }
+    void label_eight(ptrdiff_t x) const { quo::store_eight(labels + x, quo::kEightTimes * label); }
   };
 
   // Lets every run of a row join that has a pixel in the given columns.
@@ -87,9 +76,9 @@ class Growth {
   ptrdiff_t add_run(const Row row, ptrdiff_t x, ptrdiff_t y) {
     const ptrdiff_t end = width_ - kFrame;
     ptrdiff_t first = x, last = x;
-    for (; first - 8 >= kFrame && row.eight_join(first - 8); first -= 8) label_eight(row.labels + first - 8, row.label);
+    for (; first - 8 >= kFrame && row.eight_join(first - 8); first -= 8) row.label_eight(first - 8);
     for (; first > kFrame && row.joins(first - 1); first--) row.labels[first - 1] = row.label;
-    for (; last + 8 < end && row.eight_join(last + 1); last += 8) label_eight(row.labels + last + 1, row.label);
+    for (; last + 8 < end && row.eight_join(last + 1); last += 8) row.label_eight(last + 1);
     for (; last + 1 < end && row.joins(last + 1); last++) row.labels[last + 1] = row.label;
     row.labels[x] = row.label;
     region_ = {region_.count + last - first + 1, std::min(region_.min_x, first), std::min(region_.min_y, y),

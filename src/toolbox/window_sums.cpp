@@ -65,8 +65,7 @@ QUO_MULTIVERSION void find_small_limits(const uint32_t* __restrict values_before
     const auto square_sum = static_cast<float>(static_cast<int32_t>(squares[i] - squares_before[i]));
     const float mean = sum * reciprocal;
     const float variance = square_sum * reciprocal - mean * mean;
-    const int32_t whole = static_cast<int32_t>((sum + 0.5F) * reciprocal) - offset + 1;
-    const int32_t limit = std::min(std::max(whole, 0), 256);
+    const Limit limit = quo::contrast_limit(static_cast<int32_t>((sum + 0.5F) * reciprocal), offset);
     const int32_t contrast = -static_cast<int32_t>(variance > kFlatVariance - kMargin);
     const int32_t unclear = -static_cast<int32_t>(std::fabs(variance - kFlatVariance) <= kMargin);
     limits[i] = static_cast<Limit>((limit & contrast) | unclear);

@@ -1,0 +1,22 @@
+// Eight bytes looked at as one number.
+#pragma once
+
+#include <cstdint>
+
+namespace quo {
+
+/** A byte times this is that byte eight times. */
+inline constexpr uint64_t kEightTimes = 0x0101010101010101;
+
+inline uint64_t load_eight(const uint8_t* bytes) {
+  uint64_t eight;
+  __builtin_memcpy(&eight, bytes, sizeof eight);
+  return eight;
+}
+
+inline void store_eight(uint8_t* bytes, uint64_t eight) { __builtin_memcpy(bytes, &eight, sizeof eight); }
+
+/** Whether one of the bytes is 0: only then a borrow reaches the top bit of a byte that had it clear. */
+inline bool has_zero_byte(uint64_t eight) { return ((eight - kEightTimes) & ~eight & kEightTimes * 0x80) != 0; }
+
+}  // namespace quo
