@@ -1,11 +1,8 @@
-#include <gtest/gtest.h>
 #include <sys/mman.h>
 
 #include <map>
 
-#include "quoFPAlg.h"
-#include "support/frames.h"
-#include "support/guarded.h"
+#include "support/testing.h"
 
 using namespace quo_test;
 
@@ -114,16 +111,4 @@ TEST(FP_ChooseBestHist, CountsEveryPixelOfAHugeFrame) {
   EXPECT_EQ(FP_ChooseBestHist(frames, 1, width, height, &chosen), QUO_OK);
   EXPECT_EQ(chosen, 0);
   munmap(memory, size);
-}
-
-TEST(FP_ChooseBestHist, ReadsOnlyTheFrames) {
-  Guarded frame(kDark.pixels, Guard::kAfter);
-  frame.make_read_only();
-  std::vector<const uint8_t*> frames(255, frame.data());
-  uint8_t chosen = 0;
-  EXPECT_EQ(FP_ChooseBestHist(frames.data(), 255, kWidth, kHeight, &chosen), QUO_OK);
-  EXPECT_EQ(chosen, 254);
-  for (const auto& [width, height] : {std::pair{-1, 5}, {5, INT32_MIN}, {0, 0}, {-50, -40}}) {
-    EXPECT_EQ(FP_ChooseBestHist(frames.data(), 255, width, height, &chosen), QUO_NO_CANDIDATE);
-  }
 }

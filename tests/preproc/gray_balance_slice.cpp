@@ -1,14 +1,8 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include "quoFPAlg.h"
 #include "reference/preproc.h"
-#include "support/guarded.h"
-#include "support/hooks.h"
+#include "support/testing.h"
 
 using namespace quo_test;
 using quo_reference::Balance;
-using testing::ElementsAre;
 
 namespace {
 
@@ -52,22 +46,14 @@ TEST(LocalGrayBalance_Slice, StretchesTheDifferenceFromTheLocalMean) {
 }
 
 TEST(LocalGrayBalance_Slice, EqualsTheLiteralForm) {
-  Random random(29);
-  auto check = [&](int32_t width, int32_t height, Guard guard) {
-    const Image frame = generate(random, width, height, kAllFills[random.next() % 6]);
-    const Balance how = any_balance(random, height);
-    Guarded pixels(frame.pixels, guard);
-    ASSERT_EQ(balance(pixels.data(), width, height, how), QUO_OK);
-    ASSERT_TRUE(pixels.equals(quo_reference::balanced(frame, how).pixels))
-        << width << "x" << height << " radius " << how.radius << " band " << how.band_rows << " gain " << how.gain
-        << " context " << how.top << "," << how.bottom;
+  const auto check = [](const Image& frame, Random& random, Guard guard) {
+    const Balance how = any_balance(random, frame.height);
+    const auto stretch = [&](uint8_t* pixels) { ASSERT_EQ(balance(pixels, frame.width, frame.height, how), QUO_OK); };
+    ASSERT_EQ(changed(frame, guard, stretch), quo_reference::balanced(frame, how))
+        << "radius " << how.radius << " band " << how.band_rows << " gain " << how.gain << " context " << how.top << ","
+        << how.bottom;
   };
-  for (const Guard guard : {Guard::kAfter, Guard::kBefore}) {
-    for (int32_t width = 0; width <= 40; width++) {
-      for (int32_t height = 0; height <= 22; height++) check(width, height, guard);
-    }
-    for (int round = 0; round < 40; round++) check(random.between(100, 170), random.between(60, 120), guard);
-  }
+  for_each_frame(29, 40, {{170, 60}, {100, 120}, {150, 100}, {120, 80}}, check);
 }
 
 // Flat windows at and around every multiple of every area: where a quotient that is off by one would show.
@@ -87,37 +73,25 @@ TEST(LocalGrayBalance_Slice, DividesEverySumExactly) {
   }
 }
 
-TEST(LocalGrayBalance_Slice, TakesTheIntegralImageOfABandOnce) {
-  Random random(30);
-  const Image frame = generate(random, 20, 24, Fill::kNoise);
-  Image changed = frame;
-  const auto call = [&] { return LocalGrayBalance_Slice(changed.data(), 20, 24, 3, 10, 3, 0, 0); };
-  for_each_failing_allocation(call, [&](uint64_t, uint8_t result) {
-    EXPECT_EQ(result, QUO_NO_MEMORY);
-    EXPECT_EQ(changed, frame);
-  });
-  EXPECT_THAT(hooks().sizes, ElementsAre(21 * 11 * 4));
-  EXPECT_EQ(hooks().live_blocks, 0U);
-  reset_hooks();
-  EXPECT_EQ(LocalGrayBalance_Slice(nullptr, 20, 24, 3, 24, 1, 0, 0), QUO_OK);
-  EXPECT_EQ(LocalGrayBalance_Slice(nullptr, 20, 24, 3, UINT32_MAX, 2, 0, 0), QUO_NO_MEMORY);
-  EXPECT_THAT(hooks().sizes, ElementsAre());
-}
-
+// No band rows are all of them, a wide radius is the whole frame, and context may leave no row.
 TEST(LocalGrayBalance_Slice, TakesAnyArguments) {
   Random random(31);
   const Image frame = generate(random, 30, 30, Fill::kNoise);
-  Image whole = frame, by_zero = frame, wide = frame, context = frame;
-  balance(whole.data(), 30, 30, {.band_rows = 30, .gain = 4});
-  LocalGrayBalance_Slice(by_zero.data(), 30, 30, 3, 0, 4, 0, 0);  // no band rows: all of them
-  EXPECT_EQ(by_zero, whole);
-  LocalGrayBalance_Slice(wide.data(), 30, 30, UINT32_MAX, 30, 4, 0, 0);
-  EXPECT_EQ(wide, quo_reference::balanced(frame, {.radius = 30, .band_rows = 30, .gain = 4}));
-  LocalGrayBalance_Slice(context.data(), 30, 30, 3, 30, 4, 15, 15);
-  LocalGrayBalance_Slice(context.data(), 30, 30, 3, 30, 4, 255, 0);
-  LocalGrayBalance_Slice(context.data(), 30, 30, 3, 30, 4, 0, 255);
-  EXPECT_EQ(context, frame);
-  for (const auto& [width, height] : {std::pair{0, 5}, {-5, 5}, {5, -5}, {INT32_MIN, INT32_MIN}}) {
-    EXPECT_EQ(LocalGrayBalance_Slice(nullptr, width, height, 3, 5, 4, 0, 0), QUO_OK);
+  const struct {
+    uint32_t radius, band_rows;
+    uint8_t top, bottom;
+    Balance same;
+  } cases[] = {{3, 0, 0, 0, {.band_rows = 30, .gain = 4}},
+               {UINT32_MAX, 30, 0, 0, {.radius = 30, .band_rows = 30, .gain = 4}},
+               {3, 30, 15, 15, {.gain = 1}},
+               {3, 30, 255, 0, {.gain = 1}},
+               {3, 30, 0, 255, {.gain = 1}}};
+  for (const auto& [radius, band_rows, top, bottom, same] : cases) {
+    Image result = frame;
+    EXPECT_EQ(LocalGrayBalance_Slice(result.data(), 30, 30, radius, band_rows, 4, top, bottom), QUO_OK);
+    EXPECT_EQ(result, quo_reference::balanced(frame, same));
   }
+  reset_hooks();
+  EXPECT_EQ(LocalGrayBalance_Slice(nullptr, 20, 24, 3, UINT32_MAX, 2, 0, 0), QUO_NO_MEMORY);
+  EXPECT_THAT(hooks().sizes, testing::IsEmpty());
 }

@@ -1,12 +1,7 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include "quoFPAlg.h"
 #include "reference/preproc.h"
-#include "support/hooks.h"
+#include "support/testing.h"
 
 using namespace quo_test;
-using testing::ElementsAre;
 using Events = std::vector<std::string>;
 
 namespace {
@@ -63,46 +58,11 @@ TEST(FP_ImagePreproc, RunsTheWholeChainUnlessTheCoverageIsTooLow) {
   }
 }
 
-// Four arrays of the stripe removal, the integral image, the probe: what is done by then stays. Without an area no
-// coverage is checked, though nothing is darker than a background value of 1.
-TEST(FP_ImagePreproc, ReportsEveryAllocationThatFails) {
-  Image frame;
-  const Image with_borders = bordered(finger(), 3), without_stripes = quo_reference::without_stripes(with_borders);
-  const auto call = [&] {
-    frame = finger();
-    return FP_ImagePreproc(frame.data(), 40, 40, 1, nullptr, 3);
-  };
-  for_each_failing_allocation(call, [&](uint64_t index, uint32_t result) {
-    EXPECT_EQ(result, QUO_NO_MEMORY);
-    EXPECT_EQ(hooks().live_blocks, 0U);
-    EXPECT_EQ(frame, index < 4 ? with_borders : index == 4 ? without_stripes : balanced(without_stripes)) << index;
-    EXPECT_EQ(hooks().events.back(), index < 4 ? kStep1End : kStep2End);
-  });
-  EXPECT_EQ(frame, balanced(without_stripes));
-  EXPECT_THAT(hooks().sizes, ElementsAre(160, 40, 40, 80, 41 * 41 * 4, 1600));
-  EXPECT_EQ(hooks().live_blocks, 0U);
-}
-
-TEST(FP_ImagePreproc, RefusesNullFramesInEveryStage) {
-  uint8_t area = 50;
+TEST(FP_ImagePreproc_Step2, RefusesSizesBeyondMemory) {
+  Image frame(1, 1, 255);
   reset_hooks();
-  EXPECT_EQ(FP_ImagePreproc(nullptr, 40, 40, 0, &area, 15), QUO_NO_IMAGE);
-  EXPECT_EQ(FP_ImagePreproc_Step1(nullptr, 40, 40, 0, &area, 15), QUO_NO_IMAGE);
-  EXPECT_EQ(FP_ImagePreproc_Step2(nullptr, 40, 40), QUO_NO_IMAGE);
-  EXPECT_EQ(FP_ImagePreproc_MCU(nullptr, 40, 40, 15), QUO_NO_IMAGE);
-  EXPECT_EQ(area, 50);
-  EXPECT_EQ(hooks().events, (Events{kStep1End, kStep1End, kStep2End}));
-  EXPECT_THAT(hooks().sizes, ElementsAre());
-}
-
-TEST(FP_ImagePreproc_Step2, ProbesForAFrameEvenWhenNothingIsBalanced) {
-  Image frame(16, 16, 255);
-  reset_hooks();
-  EXPECT_EQ(FP_ImagePreproc_Step2(frame.data(), 16, 16), QUO_OK);
-  EXPECT_EQ(FP_ImagePreproc_Step2(frame.data(), -16, -16), QUO_OK);
-  EXPECT_THAT(hooks().sizes, ElementsAre(256, 0));
   EXPECT_EQ(FP_ImagePreproc_Step2(frame.data(), 1 << 16, 1 << 16), QUO_NO_MEMORY);
-  EXPECT_EQ(hooks().sizes.size(), 2U);
+  EXPECT_THAT(hooks().sizes, testing::IsEmpty());
 }
 
 TEST(FP_ImagePreproc_MCU, RepairsBordersAndStripesSilently) {
@@ -112,7 +72,5 @@ TEST(FP_ImagePreproc_MCU, RepairsBordersAndStripesSilently) {
     EXPECT_EQ(FP_ImagePreproc_MCU(frame.data(), 40, 40, flags), QUO_OK);
     EXPECT_EQ(frame, quo_reference::without_stripes(bordered(finger(), flags)));
     EXPECT_EQ(hooks().events, Events{});
-    fail_allocation(0);
-    EXPECT_EQ(FP_ImagePreproc_MCU(frame.data(), 40, 40, flags), QUO_NO_MEMORY);
   }
 }

@@ -4,8 +4,7 @@
 
 TEST(DDIndex8, PutsEachDegreeIntoItsBin) {
   const struct {
-    int32_t first;
-    int32_t last;
+    int32_t first, last;
     uint32_t bin;
   } ranges[] = {{INT32_MIN, INT32_MIN + 9, 0},
                 {-5, 10, 0},

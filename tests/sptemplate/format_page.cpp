@@ -1,13 +1,9 @@
 // The example in docs/sp-template-format.md is what the library writes.
-#include <gtest/gtest.h>
-
 #include <fstream>
 #include <sstream>
 #include <string>
 
-#include "quoFPAlg.h"
 #include "sptemplate/records.h"
-#include "support/frames.h"
 
 using namespace quo_test;
 

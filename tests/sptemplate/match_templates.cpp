@@ -1,11 +1,5 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-
-#include "quoFPAlg.h"
 #include "reference/sptemplate.h"
 #include "sptemplate/records.h"
-#include "support/guarded.h"
 
 using namespace quo_test;
 
@@ -19,6 +13,13 @@ struct Pair {
 // A section of `n` dark positions of which `percent` per cent agree.
 Pair scored(size_t percent, size_t n = 100) { return {percent * n / 100, 0, n - percent * n / 100, 0}; }
 
+uint32_t match(const Bytes& first, const Bytes& second) {
+  Guarded a(first, Guard::kAfter), b(second, Guard::kAfter);
+  uint32_t score = 12345;
+  EXPECT_EQ(MatchSpTemplates(a.data(), b.data(), &score), 0U);
+  return score;
+}
+
 uint32_t score_of(const std::vector<Pair>& sections) {
   std::vector<Bytes> first, second;
   for (const Pair& pair : sections) {
@@ -30,10 +31,7 @@ uint32_t score_of(const std::vector<Pair>& sections) {
     first.push_back(a);
     second.push_back(b);
   }
-  Guarded a(record_of(first), Guard::kAfter), b(record_of(second), Guard::kAfter);
-  uint32_t score = 12345;
-  EXPECT_EQ(MatchSpTemplates(a.data(), b.data(), &score), 0U);
-  return score;
+  return match(record_of(first), record_of(second));
 }
 
 }  // namespace
@@ -106,10 +104,7 @@ TEST(MatchSpTemplates, EqualsTheReferenceOnRandomRecords) {
       second.push_back(random.chance(40) ? first.back() : random_profile(random, length));
     }
     const Bytes a = record_of(first), b = record_of(second);
-    Guarded guarded_a(a, Guard::kAfter), guarded_b(b, Guard::kAfter);
-    uint32_t score = 12345;
-    ASSERT_EQ(MatchSpTemplates(guarded_a.data(), guarded_b.data(), &score), 0U);
-    ASSERT_EQ(score, *reference::match(a, b)) << "round " << round;
+    ASSERT_EQ(match(a, b), *reference::match(a, b)) << "round " << round;
   }
 }
 

@@ -1,11 +1,7 @@
 // Profile records and templates for tests, from their sections.
 #pragma once
 
-#include <cstdint>
-#include <vector>
-
-#include "quoFPAlg.h"
-#include "support/random.h"
+#include "support/testing.h"
 
 namespace quo_test {
 
@@ -39,14 +35,6 @@ inline Bytes random_profile(Random& random, size_t length) {
   }
   profile.resize(length);
   return profile;
-}
-
-/** A block that the library handed out: copied, then freed. Empty when there is none. */
-inline Bytes take(uint8_t* block, uint32_t size) {
-  if (block == nullptr) return {};
-  Bytes bytes(block, block + size);
-  tev_quo_free(block);
-  return bytes;
 }
 
 }  // namespace quo_test

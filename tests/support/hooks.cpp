@@ -46,12 +46,6 @@ void fail_allocation(uint64_t index, bool and_later) {
 
 void fail_above(uint32_t size) { state().largest = size; }
 
-void fail_no_allocation() {
-  state().failing_index = UINT64_MAX;
-  state().fail_later = false;
-  state().largest = UINT32_MAX;
-}
-
 void set_fresh_byte(uint8_t value) { state().fresh_byte = value; }
 
 void set_arctangent(double (*arctangent)(double y, double x)) { state().arctangent = arctangent; }

@@ -29,32 +29,10 @@ void fail_allocation(uint64_t index, bool and_later = false);
 /** Lets every request for more bytes fail, until the next reset. */
 void fail_above(uint32_t size);
 
-/** Lets every allocation succeed from here on. */
-void fail_no_allocation();
-
 /** Fresh blocks are filled with this byte, so that a read of memory that nobody wrote changes the result. */
 void set_fresh_byte(uint8_t value);
 
 /** Lets the arctangent hook answer with this function instead of the platform's, until the next reset. */
 void set_arctangent(double (*arctangent)(double y, double x));
-
-/** Runs `call` with its first, second, third ... allocation failing, once alone and once with all later ones, until it
- *  needs no more; `check` is told after each run. Blocks must be balanced by then. Returns the number of allocations.
- */
-template <typename Call, typename Check>
-uint64_t for_each_failing_allocation(Call call, Check check) {
-  for (uint64_t index = 0;; index++) {
-    for (const bool and_later : {false, true}) {
-      reset_hooks();
-      fail_allocation(index, and_later);
-      auto result = call();
-      if (hooks().sizes.size() <= index) {
-        fail_no_allocation();
-        return index;
-      }
-      check(index, result);
-    }
-  }
-}
 
 }  // namespace quo_test

@@ -1,10 +1,7 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <cmath>
 #include <utility>
 
-#include "quoFPAlg.h"
+#include "support/testing.h"
 
 TEST(DDIndex, CutsTheHalfCircleIntoClassesOf15Degrees) {
   const std::pair<int32_t, uint32_t> cases[] = {{7, 0},   {8, 1},   {22, 1},  {23, 2}, {90, 6},        {172, 11},
