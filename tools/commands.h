@@ -15,6 +15,8 @@ void add_info(Commands& commands);
 void add_report(Commands& commands);
 void add_sheet(Commands& commands);
 void add_synth(Commands& commands);
+void add_view(Commands& commands);
+void add_watch(Commands& commands);
 
 // Capture preprocessing
 void add_preprocess(Commands& commands);

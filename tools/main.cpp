@@ -19,6 +19,8 @@ constexpr void (*kCommands[])(Commands&) = {
     add_diff,
     add_sheet,
     add_report,
+    add_view,
+    add_watch,
 
     // Capture preprocessing
     add_preprocess,
