@@ -11,6 +11,7 @@ void add_selftest(Commands& commands);
 // Frames
 void add_batch(Commands& commands);
 void add_diff(Commands& commands);
+void add_guess(Commands& commands);
 void add_info(Commands& commands);
 void add_report(Commands& commands);
 void add_sheet(Commands& commands);

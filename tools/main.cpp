@@ -14,6 +14,7 @@ using namespace quofp;
 constexpr void (*kCommands[])(Commands&) = {
     // Frames
     add_synth,
+    add_guess,
     add_info,
     add_batch,
     add_diff,
