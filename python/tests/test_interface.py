@@ -47,7 +47,7 @@ def test_prototypes_are_those_of_the_header(root: pathlib.Path) -> None:
 
 
 def _import(module: pathlib.Path, library: str) -> subprocess.CompletedProcess[str]:
-    script = "from quofpalg import _library; print(_library.library._name)"
+    script = "from quofpalg import _library; print(_library.loaded._name)"
     return subprocess.run(
         [sys.executable, "-c", script], capture_output=True, text=True,
         env={**os.environ, "PYTHONPATH": str(module), "QUOFP_LIBRARY": library})
