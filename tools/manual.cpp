@@ -65,9 +65,19 @@ std::string synopsis_of(const CLI::App& command) {
   return text;
 }
 
-void print_options(std::ostream& out, const CLI::App& command) {
+// Whether all of the commands have an option of this name and meaning.
+bool is_common(const CLI::Option& option, const std::vector<const CLI::App*>& commands) {
+  return std::all_of(commands.begin(), commands.end(), [&](const CLI::App* command) {
+    const Options options = options_of(*command);
+    return std::any_of(options.begin(), options.end(), [&](const CLI::Option* own) {
+      return heading_of(*own) == heading_of(option) && own->get_description() == option.get_description();
+    });
+  });
+}
+
+void print_options(std::ostream& out, const Options& options) {
   std::string group;
-  for (const CLI::Option* const option : options_of(command)) {
+  for (const CLI::Option* const option : options) {
     if (option->get_group() != group && option->get_group() != "Options" && !option->get_positional()) {
       out << ".SS " << roff(group = option->get_group()) << '\n';
     }
@@ -89,11 +99,16 @@ std::string command_page(const CLI::App& command, const Description& description
   const auto operators = operators_of(command);
   out << (operators.empty() ? roff(synopsis_of(command)) : "OPERATOR [OPTIONS] ...") << '\n';
   if (!description.details.empty()) out << ".SH DESCRIPTION\n" << roff(description.details) << '\n';
+  // What every operator takes stands once, before them all.
+  Options common = options_of(operators.empty() ? command : *operators.front());
+  std::erase_if(common, [&](const CLI::Option* option) { return !is_common(*option, operators); });
   out << ".SH OPTIONS\n";
-  print_options(out, command);
+  print_options(out, common);
   for (const CLI::App* const own : operators) {
     out << ".SH " << roff(own->get_name()) << '\n' << roff(own->get_description()) << ".\n";
-    print_options(out, *own);
+    Options options = options_of(*own);
+    std::erase_if(options, [&](const CLI::Option* option) { return is_common(*option, operators); });
+    print_options(out, options);
   }
   out << ".SH EXAMPLES\n.nf\n";
   for (const std::string& example : description.examples) out << roff(example) << '\n';
@@ -110,7 +125,7 @@ std::string main_page(const CLI::App& app, const std::vector<Description>& comma
     out << ".TP\n.BR quofp\\-" << roff(command.name) << " (1)\n" << roff(command.summary) << '\n';
   }
   out << ".SH OPTIONS\n";
-  print_options(out, app);
+  print_options(out, options_of(app));
   out << ".SH EXIT STATUS\n0 done, 1 the library refused a frame or a check failed, 2 usage, 3 input or output, 130\n"
          "interrupted. Of several frames the worst.\n.SH ENVIRONMENT\n.TP\n.B NO_COLOR\nwhen set, terminals get no "
          "colours.\n";

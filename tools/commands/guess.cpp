@@ -6,6 +6,8 @@
 
 #include "canvas.h"
 #include "commands.h"
+#include "formats/pgm.h"
+#include "formats/png.h"
 #include "inputs.h"
 #include "quoFPAlg.h"
 #include "size_guess.h"
@@ -110,6 +112,7 @@ std::string picture_name(size_t place, const SizeGuess& guess) {
 
 Exit run(const Options& options) {
   const std::vector<uint8_t> bytes = read_file(options.file);
+  if (is_png(bytes) || is_pgm(bytes)) throw file_failure(options.file, "no raw file: quofp info tells its size");
   const std::vector<SizeGuess> guesses = guess_sizes(bytes, static_cast<size_t>(options.most));
   if (guesses.empty()) throw file_failure(options.file, "no width makes neighbouring rows alike");
   const bool sheet = std::filesystem::path(options.output).extension() == ".png";
