@@ -121,6 +121,12 @@ void Canvas::draw_frame(const Frame& frame, int x, int y, int zoom) {
   cairo_surface_mark_dirty(surface_.get());
 }
 
+void Canvas::draw_picture(const Canvas& picture, int x, int y) {
+  cairo_set_source_surface(context_.get(), picture.surface_.get(), x, y);
+  cairo_pattern_set_filter(cairo_get_source(context_.get()), CAIRO_FILTER_NEAREST);
+  cairo_paint(context_.get());
+}
+
 void Canvas::draw_marks(std::span<const uint8_t> marks, int32_t width, int32_t height, int x, int y, int zoom,
                         Colour colour) {
   set_colour(colour);

@@ -21,7 +21,7 @@ struct Colour {
   double blue = 0;
   double opacity = 1;
 
-  Colour with_opacity(double value) const { return {red, green, blue, value}; }
+  constexpr Colour with_opacity(double value) const { return {red, green, blue, value}; }
 };
 
 /** The palette of all pictures. The marks keep apart for readers with a colour vision deficiency (Okabe and Ito). */
@@ -81,6 +81,9 @@ class Canvas {
 
   /** Draws a frame with its top left corner at (x, y), each pixel as a square of zoom x zoom. */
   void draw_frame(const Frame& frame, int x, int y, int zoom);
+
+  /** Draws another picture with its top left corner at (x, y). */
+  void draw_picture(const Canvas& picture, int x, int y);
 
   /** Colours the pixels of a width x height mark image that are not 0, placed like a frame. */
   void draw_marks(std::span<const uint8_t> marks, int32_t width, int32_t height, int x, int y, int zoom, Colour colour);

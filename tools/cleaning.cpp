@@ -68,15 +68,19 @@ void balance(Frame& frame, const Cleaning& cleaning, Findings& findings) {
 
 }  // namespace
 
-void add_coverage_options(CLI::App& command, Cleaning& cleaning) {
-  add_number_option(command, "--background", cleaning.background, 0, 255, "background value; 0 estimates it");
-  add_number_option(command, "--min-coverage", cleaning.min_coverage, 0, 100,
-                    "percent of the frame that the finger must cover, with all stages");
+void add_border_option(CLI::App& command, Cleaning& cleaning) {
   command
       .add_option_function<std::string>(
           "--borders", [&cleaning](const std::string& list) { cleaning.borders = parse_borders(list); },
           "border lines to replace: top,bottom,left,right or all [none]")
       ->type_name("LIST");
+}
+
+void add_coverage_options(CLI::App& command, Cleaning& cleaning) {
+  add_number_option(command, "--background", cleaning.background, 0, 255, "background value; 0 estimates it");
+  add_number_option(command, "--min-coverage", cleaning.min_coverage, 0, 100,
+                    "percent of the frame that the finger must cover, with all stages");
+  add_border_option(command, cleaning);
 }
 
 void add_cleaning_options(CLI::App& command, Cleaning& cleaning) {

@@ -22,6 +22,9 @@ struct Cleaning {
   int32_t slice_rows = 0;    // 0 balances the whole frame at once
 };
 
+/** Declares --borders alone. */
+void add_border_option(CLI::App& command, Cleaning& cleaning);
+
 /** Declares --background, --min-coverage and --borders, for commands that run all stages. */
 void add_coverage_options(CLI::App& command, Cleaning& cleaning);
 

@@ -4,7 +4,7 @@ namespace quofp {
 
 CLI::App& Commands::declare(const Description& description) {
   CLI::App* const command = app_.add_subcommand(description.name, description.summary);
-  names_.insert(description.name);
+  descriptions_.push_back(description);
   std::string footer;
   if (!description.details.empty()) footer += description.details + "\n\n";
   footer += "Examples:";

@@ -2,9 +2,9 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <functional>
 #include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -35,7 +35,13 @@ class Commands {
     command.callback([this, options, run] { chosen_ = [options, run] { return run(*options); }; });
   }
 
-  bool has(const std::string& name) const { return names_.count(name) != 0; }
+  bool has(const std::string& name) const {
+    return std::any_of(descriptions_.begin(), descriptions_.end(),
+                       [&name](const Description& description) { return description.name == name; });
+  }
+
+  /** What the commands say about themselves, in the order of the help. */
+  const std::vector<Description>& descriptions() const { return descriptions_; }
 
   Exit run_chosen() const { return chosen_(); }
 
@@ -43,7 +49,7 @@ class Commands {
   CLI::App& declare(const Description& description);
 
   CLI::App& app_;
-  std::set<std::string> names_;
+  std::vector<Description> descriptions_;
   std::function<Exit()> chosen_;
 };
 

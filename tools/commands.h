@@ -11,10 +11,13 @@ void add_selftest(Commands& commands);
 // Frames
 void add_batch(Commands& commands);
 void add_diff(Commands& commands);
+void add_guess(Commands& commands);
 void add_info(Commands& commands);
 void add_report(Commands& commands);
 void add_sheet(Commands& commands);
 void add_synth(Commands& commands);
+void add_view(Commands& commands);
+void add_watch(Commands& commands);
 
 // Capture preprocessing
 void add_preprocess(Commands& commands);

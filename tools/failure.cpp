@@ -1,8 +1,11 @@
 #include "failure.h"
 
+#include <unistd.h>
+
 #include <iostream>
 
 #include "quoFPAlg.h"
+#include "terminal.h"
 
 namespace quofp {
 
@@ -36,10 +39,12 @@ Failure refusal(const std::string& file, std::string_view function, uint32_t cod
 }
 
 // Each message is written at once, so that those of several threads do not mix.
-void report(const std::exception& failure) { std::cerr << "quofp: " + std::string(failure.what()) + "\n"; }
+void report(const std::exception& failure) {
+  std::cerr << coloured(STDERR_FILENO, kRedText, "quofp:") + " " + failure.what() + "\n";
+}
 
 void note(const std::string& file, const std::string& text) {
-  std::cerr << "quofp: note: " + file + ": " + text + "\n";
+  std::cerr << coloured(STDERR_FILENO, kYellowText, "quofp: note:") + " " + file + ": " + text + "\n";
 }
 
 }  // namespace quofp

@@ -19,12 +19,6 @@ namespace fs = std::filesystem;
 
 constexpr size_t kLongestFile = size_t{1} << 28;  // bytes, of PNG and PGM
 
-bool is_frame_name(const std::string& path, bool raw) {
-  std::string ending = fs::path(path).extension().string();
-  std::transform(ending.begin(), ending.end(), ending.begin(), [](unsigned char c) { return std::tolower(c); });
-  return ending == ".png" || ending == ".pgm" || (raw && (ending == ".raw" || ending == ".bin"));
-}
-
 std::vector<std::string> matches_of(const std::string& pattern) {
   glob_t found = {};
   std::vector<std::string> paths;
@@ -59,6 +53,12 @@ std::optional<InputFile> numbered(const std::string& argument) {
 }
 
 }  // namespace
+
+bool is_frame_name(const std::string& path, bool raw) {
+  std::string ending = fs::path(path).extension().string();
+  std::transform(ending.begin(), ending.end(), ending.begin(), [](unsigned char c) { return std::tolower(c); });
+  return ending == ".png" || ending == ".pgm" || (raw && (ending == ".raw" || ending == ".bin"));
+}
 
 std::vector<std::string> list_files(const std::string& folder) {
   std::error_code error;

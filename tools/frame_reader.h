@@ -20,6 +20,9 @@ struct InputFile {
 /** Files of a folder, numbers within their names in order of their value. @throws Failure */
 std::vector<std::string> list_files(const std::string& folder);
 
+/** Whether a file of a folder is taken for a frame, by the ending of its name. */
+bool is_frame_name(const std::string& path, bool raw);
+
 /** What the arguments stand for: files, "-" for standard input, folders (the frames in them), patterns with * ? [],
  *  and FILE#N for frame N of a raw file. */
 std::vector<InputFile> expand(const std::vector<std::string>& arguments, bool raw);

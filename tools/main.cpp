@@ -1,9 +1,11 @@
 // quofp: looks at frames of a fingerprint sensor through libquoFPAlg.
 #include <iostream>
+#include <string_view>
 
 #include "command.h"
 #include "commands.h"
 #include "failure.h"
+#include "manual.h"
 #include "quoFPAlg.h"
 
 namespace {
@@ -14,11 +16,14 @@ using namespace quofp;
 constexpr void (*kCommands[])(Commands&) = {
     // Frames
     add_synth,
+    add_guess,
     add_info,
     add_batch,
     add_diff,
     add_sheet,
     add_report,
+    add_view,
+    add_watch,
 
     // Capture preprocessing
     add_preprocess,
@@ -50,6 +55,9 @@ constexpr void (*kCommands[])(Commands&) = {
     add_selftest,
 };
 
+// Asked for by the build alone, so no command of the help: quofp --write-manual FOLDER.
+constexpr std::string_view kWriteManual = "--write-manual";
+
 std::string version() {
   return "quofp " + std::to_string(QUO_VERSION) + "\nlibquoFPAlg " + std::to_string(FP_GetVersion());
 }
@@ -64,6 +72,10 @@ Exit run(int argc, char** argv) {
       "Help with examples for a command: quofp COMMAND --help");
   Commands commands(app);
   for (const auto add : kCommands) add(commands);
+  if (argc == 3 && argv[1] == kWriteManual) {
+    write_manual(app, commands.descriptions(), argv[2]);
+    return Exit::kDone;
+  }
   if (argc > 1 && argv[1][0] != '-' && !commands.has(argv[1])) {
     throw usage_failure("there is no command '" + std::string(argv[1]) + "'; quofp --help lists them");
   }

@@ -153,6 +153,18 @@ const std::vector<const Measure*>& all_measures() {
   return measures;
 }
 
+const std::vector<Column>& frame_columns() {
+  static const std::vector<Column> columns = [] {
+    std::vector<Column> all = {{"file"}};
+    for (const Measure* const measure : all_measures()) {
+      all.insert(all.end(), measure->columns.begin(), measure->columns.end());
+    }
+    all.push_back({"error"});
+    return all;
+  }();
+  return columns;
+}
+
 std::vector<Cell> measure_all(const Frame& frame, std::string& error) {
   std::vector<Cell> cells;
   for (const Measure* const measure : all_measures()) {
@@ -168,6 +180,31 @@ std::vector<Cell> measure_all(const Frame& frame, std::string& error) {
     cells.resize(end);
   }
   return cells;
+}
+
+namespace {
+
+// The measure with a column, and the place of the column in it.
+std::pair<const Measure*, size_t> find_column(const std::string& name) {
+  for (const Measure* const measure : all_measures()) {
+    for (size_t i = 0; i < measure->columns.size(); i++) {
+      if (measure->columns[i].name == name) return {measure, i};
+    }
+  }
+  return {nullptr, 0};
+}
+
+}  // namespace
+
+bool is_figure(const std::string& column) { return find_column(column).first != nullptr; }
+
+std::optional<int64_t> figure_of(const Frame& frame, const std::string& column) {
+  const auto [measure, place] = find_column(column);
+  if (std::min(frame.width, frame.height) < measure->smallest_side) return std::nullopt;
+  const Cell cell = measure->take(frame)[place];
+  if (const auto* value = std::get_if<int64_t>(&cell)) return *value;
+  if (const auto* value = std::get_if<bool>(&cell)) return *value ? 1 : 0;
+  return std::nullopt;
 }
 
 Defects find_defects(const Frame& frame) {

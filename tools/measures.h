@@ -1,6 +1,7 @@
 // What the library says about a frame, in groups of figures that several commands print.
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -31,9 +32,19 @@ const Measure& calibration_measure();  // what settings are judged by
 /** All of them, in this order. No name occurs twice. */
 const std::vector<const Measure*>& all_measures();
 
+/** Columns of a row with everything about a frame: its name as "file", all measures, and "error". */
+const std::vector<Column>& frame_columns();
+
 /** A cell for each column of all measures, empty where a frame is too small, and where the library refused.
  *  @param error  receives the first refusal, if any */
 std::vector<Cell> measure_all(const Frame& frame, std::string& error);
+
+/** The number in a column, which must be one of a measure, for a frame. Nothing where the frame has none.
+ *  @throws Failure when the library refuses the frame */
+std::optional<int64_t> figure_of(const Frame& frame, const std::string& column);
+
+/** Whether there is such a column with numbers. */
+bool is_figure(const std::string& column);
 
 /** Broken lines and pixels of a sensor. */
 struct Defects {

@@ -1,13 +1,17 @@
 #include "table.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <iostream>
 #include <map>
 #include <nlohmann/json.hpp>
-#include <ostream>
 #include <stdexcept>
+
+#include "terminal.h"
 
 namespace quofp {
 namespace {
@@ -120,7 +124,7 @@ void Table::print_aligned(std::ostream& out) const {
       left[i] = left[i] || is_text(row[i]);
     }
   }
-  const auto print_line = [&](const auto& text_of) {
+  const auto print_line = [&](const auto& text_of, bool heading) {
     std::string line;
     for (size_t i = 0; i < columns_.size(); i++) {
       const std::string value = text_of(i);
@@ -128,14 +132,15 @@ void Table::print_aligned(std::ostream& out) const {
       line += (i == 0 ? "" : "  ") + (left[i] ? value + padding : padding + value);
     }
     line.erase(line.find_last_not_of(' ') + 1);
-    out << line << '\n';
+    out << (heading && &out == &std::cout ? coloured(STDOUT_FILENO, kBold, line) : line) << '\n';
   };
-  print_line([&](size_t i) { return columns_[i].name; });
+  print_line([&](size_t i) { return columns_[i].name; }, true);
   for (const auto& row : rows_) {
-    print_line([&](size_t i) {
+    const auto value_or_dash = [&](size_t i) {
       const std::string value = text(row[i], columns_[i]);
       return value.empty() ? "-" : value;
-    });
+    };
+    print_line(value_or_dash, false);
   }
 }
 

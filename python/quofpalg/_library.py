@@ -205,5 +205,5 @@ def _load() -> ctypes.CDLL:
         "the library could not be loaded; set QUOFP_LIBRARY to the path of libquoFPAlg.so\n" + "\n".join(failures))
 
 
-library = _load()
-c = _Functions(library)
+loaded = _load()
+c = _Functions(loaded)

@@ -10,7 +10,7 @@ import numpy.typing as npt
 
 from . import errors
 from ._arrays import Image, change, elements, gray, output, same_shape, sized, to_change
-from ._library import _Function, c, integer, library
+from ._library import _Function, c, integer, loaded
 from .signal import Eroded
 
 __all__ = [
@@ -21,7 +21,7 @@ __all__ = [
 
 
 def _direction_sites() -> npt.NDArray[np.int32]:
-    table = np.array((c_int32 * (12 * 7 * 2)).in_dll(library, "g_DDSite"), np.int32).reshape(12, 7, 2)
+    table = np.array((c_int32 * (12 * 7 * 2)).in_dll(loaded, "g_DDSite"), np.int32).reshape(12, 7, 2)
     table.flags.writeable = False
     return table
 

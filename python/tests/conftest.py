@@ -1,4 +1,4 @@
-"""Fixtures. CTest sets QUOFP_LIBRARY, PYTHONPATH, QUO_TEST_DIR (the built test programs) and preloads the hooks."""
+"""Fixtures. CTest sets QUOFP_LIBRARY, PYTHONPATH, QUO_TEST_DIR (the built test libraries) and preloads the hooks."""
 
 from __future__ import annotations
 

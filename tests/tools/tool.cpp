@@ -1,5 +1,6 @@
 #include "tools/tool.h"
 
+#include <gmock/gmock.h>
 #include <png.h>
 #include <sys/wait.h>
 
@@ -22,8 +23,8 @@ Tool::Tool() {
   std::string name = (std::filesystem::temp_directory_path() / "quofp-test-XXXXXX").string();
   if (mkdtemp(name.data()) == nullptr) std::abort();
   folder_ = name;
-  setenv("LSAN_OPTIONS", "print_suppressions=0:suppressions=" QUO_LEAK_SUPPRESSIONS,
-         1);  // read by sanitizer builds only
+  // Read by sanitizer builds only.
+  setenv("LSAN_OPTIONS", "print_suppressions=0:suppressions=" QUO_LEAK_SUPPRESSIONS, 1);
 }
 
 Tool::~Tool() { std::filesystem::remove_all(folder_); }
@@ -41,10 +42,41 @@ std::string Tool::quofp_done(const std::string& arguments) const {
   return run.out;
 }
 
+Rows Tool::rows(const std::string& arguments) const { return csv_rows(quofp_done(arguments + " --format csv")); }
+
+Outcome Tool::expect_exit(int exit, const std::string& arguments, const std::string& words) const {
+  const Outcome run = quofp(arguments);
+  EXPECT_EQ(run.exit, exit) << "quofp " << arguments;
+  EXPECT_THAT(run.err, testing::HasSubstr(words)) << "quofp " << arguments;
+  return run;
+}
+
+void Tool::expect_misuse(const std::string& command, const std::vector<std::string>& options) const {
+  for (const std::string& option : options) {
+    const Outcome run = expect_exit(2, command + " " + option);
+    EXPECT_EQ(run.out, "") << command << " " << option;
+    EXPECT_NE(run.err, "") << command << " " << option;
+  }
+}
+
+Image Tool::synth(const std::string& name, const std::string& options) const {
+  quofp_done("synth -o " + name + " " + options);
+  return read_png(name);
+}
+
 std::string Tool::read(const std::string& name) const { return slurp(path(name)); }
+
+Bytes Tool::read_bytes(const std::string& name) const {
+  const std::string content = read(name);
+  return {content.begin(), content.end()};
+}
 
 void Tool::write(const std::string& name, const std::string& content) const {
   std::ofstream(path(name), std::ios::binary) << content;
+}
+
+void Tool::write(const std::string& name, const Bytes& content) const {
+  write(name, std::string(content.begin(), content.end()));
 }
 
 Image Tool::read_png(const std::string& name) const {
@@ -65,8 +97,8 @@ void Tool::write_pgm(const std::string& name, const Image& image) const {
   write(name, header + std::string(image.pixels.begin(), image.pixels.end()));
 }
 
-std::vector<std::vector<std::string>> csv_rows(const std::string& text) {
-  std::vector<std::vector<std::string>> rows;
+Rows csv_rows(const std::string& text) {
+  Rows rows;
   std::istringstream lines(text);
   for (std::string line; std::getline(lines, line);) {
     std::vector<std::string>& row = rows.emplace_back();
@@ -75,6 +107,17 @@ std::vector<std::vector<std::string>> csv_rows(const std::string& text) {
     for (std::string field; std::getline(fields, field, ',');) row.push_back(field);
   }
   return rows;
+}
+
+void expect_marks(const Image& picture, const Image& frame, const uint8_t* marks) {
+  const int32_t zoom = picture.width / frame.width;
+  ASSERT_TRUE(picture.width == frame.width * zoom && picture.height == frame.height * zoom);
+  for (int32_t y = 0; y < picture.height; y++) {
+    for (int32_t x = 0; x < picture.width; x++) {
+      const bool marked = marks[y / zoom * frame.width + x / zoom] != 0;
+      ASSERT_EQ(picture.at(x, y) != frame.at(x / zoom, y / zoom), marked) << x << "," << y;
+    }
+  }
 }
 
 }  // namespace quo_test

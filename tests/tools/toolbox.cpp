@@ -7,44 +7,40 @@
 
 using namespace quo_test;
 using testing::ElementsAre;
-using testing::HasSubstr;
 
 class Op : public Tool {
  protected:
-  Op() : frame_(generate_frame()) { write_pgm("frame.pgm", frame_); }
+  Op() { write_pgm("frame.pgm", frame); }
 
-  static Image generate_frame() {
-    Random random(1);
-    return generate(random, 60, 44, Fill::kRidges);
+  // Runs an operator on the frame and returns the count that it prints.
+  std::string count(const std::string& arguments) const {
+    const auto row = rows("op " + arguments + " frame.pgm -o out.png")[1];
+    EXPECT_THAT(row, ElementsAre("frame.pgm", arguments.substr(0, arguments.find(' ')), testing::_, "out.png"));
+    return row[2];
   }
 
-  // Runs an operator on the frame and returns its picture.
   Image result(const std::string& arguments) const {
-    quofp_done("op " + arguments + " frame.pgm -o out.png");
+    EXPECT_EQ(count(arguments), "");
     return read_png("out.png");
   }
 
-  Image frame_;
+  const Image frame = [] {
+    Random random(1);
+    return generate(random, 60, 44, Fill::kRidges);
+  }();
 };
 
 TEST_F(Op, GivesThePixelsOfTheLibrary) {
-  Image expected = frame_;
+  Image expected = frame;
   MedianFilter(expected.data(), expected.data(), 60, 44);
   EXPECT_EQ(result("MedianFilter"), expected);
-
-  AdaptiveThreshold(frame_.data(), expected.data(), 60, 44, 9, -2);
+  AdaptiveThreshold(frame.data(), expected.data(), 60, 44, 9, -2);
   EXPECT_EQ(result("AdaptiveThreshold --window 9 --below-mean -2"), expected);
-
-  expected = frame_;
-  BlockGrayStretch(frame_.data(), expected.data(), 60, 44, 12, 12);
-  EXPECT_EQ(result("BlockGrayStretch --block 12"), expected);
-
-  ASSERT_EQ(LocalGrayBalance(frame_.data(), expected.data(), 60, 44, 9, 7), 1U);
+  ASSERT_EQ(LocalGrayBalance(frame.data(), expected.data(), 60, 44, 9, 7), 1U);
   EXPECT_EQ(result("LocalGrayBalance --window 9x7"), expected);
-
   Image directions(60, 44);
-  ASSERT_EQ(Orientation(frame_.data(), directions.data(), 60, 44, 5), 1U);
-  expected = frame_;
+  ASSERT_EQ(Orientation(frame.data(), directions.data(), 60, 44, 5), 1U);
+  expected = frame;
   OrientEnhance(expected.data(), directions.data(), 60, 44);
   EXPECT_EQ(result("OrientEnhance --radius 5"), expected);
   write_pgm("directions.pgm", directions);
@@ -52,36 +48,28 @@ TEST_F(Op, GivesThePixelsOfTheLibrary) {
 }
 
 TEST_F(Op, TellsWhatIsCounted) {
-  const auto count_of = [&](const std::string& arguments) {
-    return csv_rows(quofp_done("op " + arguments + " frame.pgm -o out.png --format csv"))[1];
-  };
-  Image output = frame_;
-  const uint32_t stretched = AreaGrayStretch(frame_.data(), output.data(), 60, 44, 9, 7);
-  EXPECT_THAT(count_of("AreaGrayStretch --window 9x7"),
-              ElementsAre("frame.pgm", "AreaGrayStretch", std::to_string(stretched), "out.png"));
-  output = frame_;
-  const int32_t foreground = FingerprintImageSegment(output.data(), 60, 44, 150);
-  EXPECT_EQ(count_of("FingerprintImageSegment --threshold 150")[2], std::to_string(foreground));
+  Image output = frame;
+  EXPECT_EQ(count("BlockGrayStretch --block 12"),
+            std::to_string(BlockGrayStretch(frame.data(), output.data(), 60, 44, 12, 12)));
   EXPECT_EQ(read_png("out.png"), output);
-
+  EXPECT_EQ(count("AreaGrayStretch --window 9x7"),
+            std::to_string(AreaGrayStretch(frame.data(), output.data(), 60, 44, 9, 7)));
+  output = frame;
+  EXPECT_EQ(count("FingerprintImageSegment --threshold 150"),
+            std::to_string(FingerprintImageSegment(output.data(), 60, 44, 150)));
+  EXPECT_EQ(read_png("out.png"), output);
   write_pgm("frame.pgm", Image(20, 20, 255));
-  EXPECT_EQ(count_of("MyCrossErode --border 3")[2], "196");
-  EXPECT_EQ(count_of("RegionGrowByEightNeighbor --x 5 --y 6")[2], "256");
-  EXPECT_EQ(count_of("BinaryThreshold --threshold 200")[2], "");
+  EXPECT_EQ(count("MyCrossErode --border 3"), "196");
+  EXPECT_EQ(count("RegionGrowByEightNeighbor --x 5 --y 6"), "256");
+  EXPECT_EQ(count("BinaryThreshold --threshold 200"), "");
 }
 
 TEST_F(Op, SaysWhatDoesNotFit) {
-  EXPECT_EQ(quofp("op MedianFilter frame.pgm -o out.png --window 3x3").exit, 2);
-  EXPECT_EQ(quofp("op Sharpen frame.pgm -o out.png").exit, 2);
-  EXPECT_EQ(quofp("op").exit, 2);
-
+  expect_misuse("op", {"", "Sharpen frame.pgm -o out.png", "MedianFilter frame.pgm -o out.png --window 3x3"});
   write_pgm("flat.pgm", Image(30, 30, 90));
-  Outcome run = quofp("op LocalGrayBalance flat.pgm frame.pgm -o out/");
-  EXPECT_EQ(run.exit, 1);
-  EXPECT_THAT(run.err, HasSubstr("flat.pgm: LocalGrayBalance returned 0: the frame or the window is below 3x3"));
+  expect_exit(1, "op LocalGrayBalance flat.pgm frame.pgm -o out/",
+              "flat.pgm: LocalGrayBalance returned 0: the frame or the window is below 3x3");
   EXPECT_TRUE(exists("out/frame.png"));
-
-  run = quofp("op OrientEnhance frame.pgm -o out.png --directions flat.pgm");
-  EXPECT_EQ(run.exit, 3);
-  EXPECT_THAT(run.err, HasSubstr("flat.pgm: is not of the size of frame.pgm"));
+  expect_exit(3, "op OrientEnhance frame.pgm -o out.png --directions flat.pgm",
+              "flat.pgm: is not of the size of frame.pgm");
 }

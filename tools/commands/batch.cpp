@@ -51,18 +51,9 @@ struct Result {
   Exit exit = Exit::kDone;
 };
 
-std::vector<Column> columns() {
-  std::vector<Column> all = {{"file"}};
-  for (const Measure* const measure : all_measures()) {
-    all.insert(all.end(), measure->columns.begin(), measure->columns.end());
-  }
-  all.push_back({"error"});
-  return all;
-}
-
 Result measure(const Job& job, const Reading& reading, const RowFile& file) {
   Result result{job.encoded.name, {}, {}, job.error, job.exit};
-  std::vector<Cell> row(columns().size());
+  std::vector<Cell> row(frame_columns().size());
   if (result.error.empty()) {
     try {
       const Frame frame = decode(job.encoded, reading);
@@ -144,7 +135,7 @@ size_t thread_count(const Options& options) {
 
 Exit run(const Options& options) {
   FrameReader reader(options.inputs.files, options.inputs.reading);
-  RowFile file(options.output, options.json, columns(), options.resume);
+  RowFile file(options.output, options.json, frame_columns(), options.resume);
   skip_rows(reader, file, options.output);
   file.open();
   catch_interrupts();

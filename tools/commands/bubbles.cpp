@@ -1,10 +1,10 @@
 // quofp bubbles: bright blobs above the finger's gray, and where they are.
 #include <iostream>
 
-#include "canvas.h"
 #include "commands.h"
 #include "inputs.h"
 #include "measures.h"
+#include "pictures.h"
 #include "table.h"
 
 namespace quofp {
@@ -22,23 +22,13 @@ void define(CLI::App& command, Options& options) {
   add_format_option(command, options.format);
 }
 
-Canvas draw_bubbles(const Frame& frame, const Bubbles& bubbles) {
-  const int zoom = fitting_zoom(frame.width, frame.height);
-  Canvas canvas(frame, zoom);
-  if (bubbles.image) {
-    canvas.draw_marks({bubbles.image.get(), frame.pixels.size()}, frame.width, frame.height, 0, 0, zoom,
-                      colours::kRed.with_opacity(0.7));
-  }
-  return canvas;
-}
-
 Exit run(const Options& options) {
   const Outputs outputs(options.inputs, options.output);
   Table table({{"file"}, {"bubble_pixels"}, {"percent"}, {"output"}});
   const Exit exit = for_each_frame(options.inputs, [&](const Frame& frame) {
     const Bubbles bubbles = find_bubbles(frame);
     const std::string& output = outputs.path_for(frame.name);
-    draw_bubbles(frame, bubbles).save(output);
+    draw_bubbles(frame, bubbles, fitting_zoom(frame.width, frame.height)).save(output);
     table.add({frame.name, bubbles.pixels, 100.0 * bubbles.pixels / static_cast<double>(frame.pixels.size()), output});
     return Exit::kDone;
   });

@@ -1,13 +1,11 @@
 // quofp defects: what is broken on a sensor, how much of it an allowance covers, and frames with the lines repaired.
-#include <algorithm>
 #include <iostream>
 #include <optional>
-#include <vector>
 
-#include "canvas.h"
 #include "commands.h"
 #include "inputs.h"
 #include "measures.h"
+#include "pictures.h"
 #include "quoFPAlg.h"
 #include "table.h"
 
@@ -43,20 +41,6 @@ bool passes(Frame& frame, int32_t allowance) {
   return fail == 0;
 }
 
-// Lines let what lies under them show; bad pixels are small and solid.
-Canvas draw_defects(const Frame& frame, const Defects& defects) {
-  std::vector<uint8_t> lines(frame.pixels.size());
-  for (size_t i = 0; i < lines.size(); i++) {
-    const size_t x = i % static_cast<size_t>(frame.width), y = i / static_cast<size_t>(frame.width);
-    lines[i] = defects.columns[x] | defects.rows[y];
-  }
-  const int zoom = fitting_zoom(frame.width, frame.height);
-  Canvas canvas(frame, zoom);
-  canvas.draw_marks(lines, frame.width, frame.height, 0, 0, zoom, colours::kBlue.with_opacity(0.6));
-  canvas.draw_marks(pixel_marks(frame, defects), frame.width, frame.height, 0, 0, zoom, colours::kRed);
-  return canvas;
-}
-
 std::optional<Outputs> outputs_of(const Options& options, const Output& output) {
   if (output.path.empty()) return std::nullopt;
   return Outputs(options.inputs, output);
@@ -79,7 +63,7 @@ Exit run(const Options& options) {
                {"repaired"}});
   const Exit exit = for_each_frame(options.inputs, [&](Frame& frame) {
     const Defects defects = find_defects(frame);
-    if (marks) draw_defects(frame, defects).save(marks->path_for(frame.name));
+    if (marks) draw_defects(frame, defects, fitting_zoom(frame.width, frame.height)).save(marks->path_for(frame.name));
     const bool pass = passes(frame, options.allowance);
     std::optional<std::string> written;
     if (repaired && pass) write_frame(written.emplace(repaired->path_for(frame.name)), frame);

@@ -128,8 +128,8 @@ Exit run(const Options& options) {
   Json frames = Json::array();
   for (Entry& entry : entries) frames.push_back(std::move(entry.row.json));
   const std::string page = report_page({{"title", options.title},
-                                        {"tool", "quofp " + std::to_string(QUO_VERSION)},
-                                        {"library", "libquoFPAlg " + std::to_string(FP_GetVersion())},
+                                        {"made_by", "quofp " + std::to_string(QUO_VERSION)},
+                                        {"made_with", "libquoFPAlg " + std::to_string(FP_GetVersion())},
                                         {"settings", settings_of(options.cleaning)},
                                         {"frames", std::move(frames)}},
                                        details);

@@ -7,6 +7,7 @@
 #include "cleaning.h"
 #include "commands.h"
 #include "inputs.h"
+#include "measures.h"
 #include "table.h"
 
 namespace quofp {
@@ -18,6 +19,8 @@ struct Options {
   Cleaning cleaning;
   int32_t columns = 0;
   int32_t zoom = 0;
+  std::string sort_by;
+  bool descending = false;
   Format format = Format::kTable;
 };
 
@@ -27,6 +30,16 @@ void define(CLI::App& command, Options& options) {
   add_number_option(command, "--columns", options.columns, 0, 100, "pairs side by side; 0 as many as fit");
   add_number_option(command, "--zoom", options.zoom, 0, 16,
                     "picture pixels per frame pixel; 0 by the size of the frame");
+  auto* const sort = command.add_option(
+      "--sort-by", options.sort_by, "orders the frames by a column of quofp batch, such as quality, the lowest first");
+  sort->check(CLI::Validator(
+                  [](const std::string& name) {
+                    return is_figure(name) ? std::string()
+                                           : "'" + name + "' is no column with numbers; see docs/columns.md";
+                  },
+                  ""))
+      ->type_name("NAME");
+  command.add_flag("--descending", options.descending, "the highest first")->needs(sort);
   add_cleaning_options(command, options.cleaning);
   add_format_option(command, options.format);
 }
@@ -36,7 +49,17 @@ struct Pair {
   Frame before;
   std::optional<Frame> after;
   std::string caption;
+  std::optional<int64_t> figure;  // that the pairs are ordered by
+  std::vector<Cell> row;
 };
+
+// In the order of the figure; frames without it come last, equal ones as they were given.
+void sort_pairs(std::vector<Pair>& pairs, bool descending) {
+  std::stable_sort(pairs.begin(), pairs.end(), [descending](const Pair& a, const Pair& b) {
+    if (!a.figure || !b.figure) return a.figure.has_value() && !b.figure;
+    return descending ? *a.figure > *b.figure : *a.figure < *b.figure;
+  });
+}
 
 // All in picture pixels.
 constexpr int kMargin = 24;      // around the sheet and between pairs
@@ -89,10 +112,14 @@ class Layout {
   int height_ = 0;
 };
 
-void draw_pair(Canvas& canvas, const Pair& pair, const Place& place) {
+void draw_pair(Canvas& canvas, const Pair& pair, const Place& place, const std::string& figure) {
   const int top = place.y + kHeading, width = pair.before.width * place.zoom;
   const std::string name = std::filesystem::path(pair.before.name).filename().string();
   canvas.draw_text(place.x, place.y + 10, name, {.size = 13, .bold = true});
+  if (pair.figure) {
+    canvas.draw_text(place.x + std::max(2 * width + kGap, kMinPair), place.y + 10,
+                     figure + " " + std::to_string(*pair.figure), {.size = 12, .align = Align::kRight});
+  }
   canvas.draw_frame(pair.before, place.x, top, place.zoom);
   if (pair.after) canvas.draw_frame(*pair.after, place.x + width + kGap, top, place.zoom);
   canvas.draw_text(place.x, top + pair.before.height * place.zoom + 15, pair.caption,
@@ -103,7 +130,7 @@ Canvas draw_sheet(const Options& options, const std::vector<Pair>& pairs) {
   const Layout layout(options, pairs);
   Canvas canvas(layout.width(), layout.height(), {0.96, 0.96, 0.97});
   canvas.draw_text(kMargin, kMargin + 14, "Before and after preprocessing", {.size = 17, .bold = true});
-  for (size_t i = 0; i < pairs.size(); i++) draw_pair(canvas, pairs[i], layout[i]);
+  for (size_t i = 0; i < pairs.size(); i++) draw_pair(canvas, pairs[i], layout[i], options.sort_by);
   return canvas;
 }
 
@@ -116,10 +143,12 @@ std::string caption_of(const Findings& findings) {
 
 Exit run(const Options& options) {
   check(options.cleaning);
-  Table table({{"file"}, {"background"}, {"coverage"}, {"gain"}});
   std::vector<Pair> pairs;
   const Exit exit = for_each_frame(options.inputs, [&](const Frame& frame) {
-    Pair pair{frame, frame, {}};
+    Pair pair;
+    pair.before = frame;
+    pair.after = frame;
+    if (!options.sort_by.empty()) pair.figure = figure_of(frame, options.sort_by);
     Findings findings = measure(frame, options.cleaning);
     const Exit done = attempt([&] {
       clean(*pair.after, options.cleaning, findings);
@@ -127,11 +156,17 @@ Exit run(const Options& options) {
     });
     if (done != Exit::kDone) pair.after.reset();
     pair.caption = caption_of(findings) + (pair.after ? "" : "    refused");
+    pair.row = {frame.name, findings.background, findings.coverage, optional_cell(findings.gain)};
+    if (!options.sort_by.empty()) pair.row.push_back(optional_cell(pair.figure));
     pairs.push_back(std::move(pair));
-    table.add({frame.name, findings.background, findings.coverage, optional_cell(findings.gain)});
     return done;
   });
+  sort_pairs(pairs, options.descending);
   if (!pairs.empty()) draw_sheet(options, pairs).save(options.output);
+  std::vector<Column> columns = {{"file"}, {"background"}, {"coverage"}, {"gain"}};
+  if (!options.sort_by.empty()) columns.push_back({"sort_by_" + options.sort_by});
+  Table table(columns);
+  for (const Pair& pair : pairs) table.add(pair.row);
   table.print(std::cout, options.format);
   return exit;
 }
@@ -142,7 +177,8 @@ void add_sheet(Commands& commands) {
   commands.add<Options>({.name = "sheet",
                          .summary = "Draws frames before and after cleaning on one contact sheet",
                          .examples = {"quofp sheet samples/*.png -o sheet.png",
-                                      "quofp sheet lot/*.png -o sheet.png --columns 4 --zoom 1 --min-coverage 60"},
+                                      "quofp sheet lot/*.png -o sheet.png --columns 4 --zoom 1 --min-coverage 60",
+                                      "quofp sheet lot/ -o sheet.png --sort-by quality --descending"},
                          .details = "Frames are shown with every pixel as a square of whole picture pixels."},
                         define, run);
 }

@@ -11,7 +11,7 @@ const detail = document.getElementById('detail');
 
 document.title = REPORT.title;
 document.getElementById('title').textContent = REPORT.title;
-document.getElementById('origin').textContent = `Made by ${REPORT.tool} with ${REPORT.library}. Nothing is loaded from elsewhere.`;
+document.getElementById('origin').textContent = `Made by ${REPORT.made_by} with ${REPORT.made_with}. Nothing is loaded from elsewhere.`;
 document.getElementById('meanings').append(el('dl', {}, ...MEASURES.flatMap((measure) =>
   [el('dt', {}, `${measure.label} (${measure.unit})`), el('dd', {}, measure.text)])));
 
