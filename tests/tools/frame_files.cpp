@@ -108,6 +108,12 @@ TEST_F(FrameFiles, ReadsRawBytesOfTheSizeGiven) {
   EXPECT_EQ(through_tool("like-a-graymap.raw").width, 1);
   write_png(path("a.png"), 2, 1, {8, PNG_COLOR_TYPE_GRAY}, {1, 2});
   EXPECT_EQ(through_tool("a.png", "--size 3x2"), Image(2, 1, {1, 2}));
+  // A file that claims more pixels than its bytes can hold: refused before memory is taken for them.
+  std::string claim = read("a.png");
+  claim.replace(16, 8, std::string("\0\0\x20\0\0\0\x20\0", 8));
+  claim.replace(29, 4, "\x57\xC1\x95\x85");
+  write("claim.png", claim);
+  EXPECT_THAT(quofp("info claim.png").err, HasSubstr("bytes are too few for 8192x8192"));
   EXPECT_THAT(quofp("info a.raw").err, HasSubstr("a.raw: neither PNG nor PGM; --size WxH"));
   EXPECT_THAT(quofp("info a.raw --size 3x3").err, HasSubstr("a.raw: 6 bytes, but a raw frame of 3x3 has 9"));
 }

@@ -11,6 +11,9 @@ namespace {
 // libpng reports errors by a long jump. Everything with a destructor lives in the caller of the functions that it can
 // leave that way, so the jump passes over nothing that must be cleaned up.
 
+// Deflate folds at most 258 bytes into two bits.
+constexpr size_t kMostUnfolded = 258 * 4;
+
 struct Message {
   char text[160] = {};
 };
@@ -54,6 +57,7 @@ class Reader {
     if (setjmp(png_jmpbuf(png_)) != 0) return false;
     png_read_info(png_, info_);
     depth_ = png_get_bit_depth(png_, info_);
+    packed_row_ = png_get_rowbytes(png_, info_);
     colour_ = png_get_color_type(png_, info_);
     if (colour_ == PNG_COLOR_TYPE_PALETTE) png_set_palette_to_rgb(png_);
     if (colour_ == PNG_COLOR_TYPE_GRAY && depth_ < 8) png_set_expand_gray_1_2_4_to_8(png_);
@@ -74,6 +78,7 @@ class Reader {
 
   size_t width() const { return png_get_image_width(png_, info_); }
   size_t height() const { return png_get_image_height(png_, info_); }
+  size_t packed_bytes() const { return packed_row_ * height(); }  // of all rows as the file holds them, unfolded
   size_t channels() const { return png_get_channels(png_, info_); }
   size_t sample_bytes() const { return depth_ == 16 ? 2 : 1; }
   bool is_8_bit_gray() const { return depth_ == 8 && colour_ == PNG_COLOR_TYPE_GRAY; }
@@ -96,6 +101,7 @@ class Reader {
   Source source_;
   png_structp png_ = nullptr;
   png_infop info_ = nullptr;
+  size_t packed_row_ = 0;
   int depth_ = 0;
   int colour_ = 0;
   int passes_ = 1;
@@ -143,6 +149,11 @@ Samples decode_png(const std::string& name, std::span<const uint8_t> bytes) {
   const size_t width = reader.width(), height = reader.height(), channels = reader.channels();
   if (!is_frame_size(static_cast<int64_t>(width), static_cast<int64_t>(height))) {
     throw file_failure(name, "PNG: " + std::to_string(width) + "x" + std::to_string(height) + " is too large");
+  }
+  // A few bytes may claim any size: memory is taken only when the file can unfold to that much.
+  if (reader.packed_bytes() / kMostUnfolded > bytes.size()) {
+    throw file_failure(name, "PNG: " + std::to_string(bytes.size()) + " bytes are too few for " +
+                                 std::to_string(width) + "x" + std::to_string(height));
   }
   std::vector<uint8_t> rows(width * height * channels * reader.sample_bytes());
   if (!reader.read_rows(rows.data())) throw file_failure(name, reader.error());
