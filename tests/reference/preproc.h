@@ -69,6 +69,19 @@ inline ValidArea valid_area(const Image& image, uint8_t bg) {
           left / static_cast<int32_t>(valid), top / static_cast<int32_t>(valid)};
 }
 
+inline Image bordered(Image image, int flags) {
+  const int32_t w = image.width, h = image.height;
+  for (int32_t x = 0; x < w && h >= 2; x++) {
+    if (flags & 1) image.at(x, 0) = image.at(x, 1);
+    if (flags & 2) image.at(x, h - 1) = image.at(x, h - 2);
+  }
+  for (int32_t y = 0; y < h && w >= 2; y++) {
+    if (flags & 4) image.at(0, y) = image.at(1, y);
+    if (flags & 8) image.at(w - 1, y) = image.at(w - 2, y);
+  }
+  return image;
+}
+
 /** Mean of a column over its pixels up to `limit`; 255 without one. */
 inline int column_mean(const Image& image, int32_t x, uint8_t limit) {
   uint64_t sum = 0, count = 0;
