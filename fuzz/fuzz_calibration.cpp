@@ -8,7 +8,6 @@
 #include "support/drawn.h"
 
 using namespace quo_fuzz;
-namespace reference = quo_reference;
 
 namespace {
 

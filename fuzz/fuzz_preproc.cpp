@@ -4,7 +4,6 @@
 #include "support/drawn.h"
 
 using namespace quo_fuzz;
-namespace reference = quo_reference;
 
 namespace {
 
@@ -51,20 +50,6 @@ void quarters(Input& input, uint8_t failing) {
     const bool written = result == QUO_OK && (asked >> i & 1) == 0;
     require(means[static_cast<size_t>(i)] == (written ? mean : kTouched), "the means are the reference's");
   }
-}
-
-Image with_borders(Image image, uint8_t flags) {
-  const int32_t right = image.width - 1, bottom = image.height - 1;
-  if (image.pixels.empty()) return image;
-  for (int32_t x = 0; x <= right && bottom > 0; x++) {
-    if (flags & QUO_BORDER_TOP) image.at(x, 0) = image.at(x, 1);
-    if (flags & QUO_BORDER_BOTTOM) image.at(x, bottom) = image.at(x, bottom - 1);
-  }
-  for (int32_t y = 0; y <= bottom && right > 0; y++) {
-    if (flags & QUO_BORDER_LEFT) image.at(0, y) = image.at(1, y);
-    if (flags & QUO_BORDER_RIGHT) image.at(right, y) = image.at(right - 1, y);
-  }
-  return image;
 }
 
 void stripes(Input& input, uint8_t failing) {
@@ -164,7 +149,7 @@ void preprocess(Input& input, uint8_t failing) {
                                        : FP_ImagePreproc_MCU(address(copy), w, h, flags);
     return std::tuple(code, int{area}, copy);
   });
-  Image expected = entry == 2 ? image : with_borders(image, flags);
+  Image expected = entry == 2 ? image : reference::bordered(image, flags);
   if (required >= 0 && entry < 2) {
     const auto estimated = reference::background_value(expected).value_or(255);
     require(share == reference::valid_area(expected, bg == 0 ? estimated : bg).percentage, "the coverage is measured");

@@ -13,10 +13,10 @@ namespace {
 
 constexpr int kTouched = 77;
 
-naive::Scores expected_scores(const Image& image, bool sparse) {
-  if (sparse) return naive::score(naive::sparse_blocks(image), true);
-  const auto [blocks, area] = naive::dense_blocks(image, image.width / 8, image.height / 8, 3);
-  naive::Scores scores = naive::score(blocks, false);
+reference::Scores expected_scores(const Image& image, bool sparse) {
+  if (sparse) return reference::score(reference::sparse_blocks(image), true);
+  const auto [blocks, area] = reference::dense_blocks(image, image.width / 8, image.height / 8, 3);
+  reference::Scores scores = reference::score(blocks, false);
   scores.area = area;
   return scores;
 }
@@ -36,7 +36,7 @@ void score(Input& input, uint8_t failing) {
     return std::tuple(code, bytes);
   });
   require(result == (allocation_failed() ? QUO_NO_MEMORY : QUO_OK), "only memory can fail");
-  const naive::Scores scores = expected_scores(image, entry != 0);
+  const reference::Scores scores = expected_scores(image, entry != 0);
   int values[] = {scores.quality, scores.area, scores.bright, scores.mean_gray < 0 ? kTouched : scores.mean_gray};
   if (result != QUO_OK) {
     for (int& value : values) value = kTouched;
@@ -58,7 +58,7 @@ void sparse_blocks(Input& input, uint8_t failing) {
     return std::tuple(code, taken(records, static_cast<size_t>(count)));
   });
   require(result == (allocation_failed() ? QUO_NO_MEMORY : QUO_OK), "only memory can fail");
-  if (result == QUO_OK) require(blocks == naive::sparse_blocks(image), "the records are the reference's");
+  if (result == QUO_OK) require(blocks == reference::sparse_blocks(image), "the records are the reference's");
 }
 
 void dense_blocks(Input& input, uint8_t failing) {
@@ -66,16 +66,16 @@ void dense_blocks(Input& input, uint8_t failing) {
   Image image;
   const Size size = frame(input, image, radius > 6 ? 24 * 24 : 41 * 40);
   const size_t count = nbx > 0 && nby > 0 ? static_cast<size_t>(nbx) * static_cast<size_t>(nby) : 0;
-  const naive::Records untouched(count, {kTouched, kTouched, kTouched, kTouched});
+  const reference::Records untouched(count, {kTouched, kTouched, kTouched, kTouched});
   const auto [result, blocks, share] = same_twice(failing, [&] {
-    naive::Records records = untouched;
+    reference::Records records = untouched;
     uint8_t area = kTouched;
     const uint32_t code =
         BlockOrientation(address(image), size.width, size.height, records.data(), nbx, nby, radius, &area);
     return std::tuple(code, records, int{area});
   });
   require(result == (allocation_failed() ? QUO_NO_MEMORY : QUO_OK), "only memory can fail");
-  const auto expected = naive::dense_blocks(image, nbx, nby, std::max(radius, 0));
+  const auto expected = reference::dense_blocks(image, nbx, nby, std::max(radius, 0));
   require(blocks == (result == QUO_OK ? expected.blocks : untouched), "the records are the reference's");
   require(share == (result == QUO_OK ? expected.area : kTouched), "the area is the reference's");
 }
@@ -103,7 +103,7 @@ void orient(Input& input, uint8_t failing) {
   require((done == 1) == (!small && !allocation_failed()), "only memory and small frames can fail");
   if (done == 0) require(field == image, "nothing is written on failure");
   if (done == 0 || kArctangents[arctangent] != nullptr) return;
-  require(field == naive::orientation_field(image, std::max(radius, 0)), "the field is the reference's");
+  require(field == reference::orientation_field(image, std::max(radius, 0)), "the field is the reference's");
   const auto cells = static_cast<uint64_t>(image.width / 2) * static_cast<uint64_t>(image.height / 2);
   require(quo_test::hooks().arctangents == cells, "one arctangent for each half-size pixel");
 }

@@ -4,7 +4,6 @@
 #include "support/drawn.h"
 
 using namespace quo_fuzz;
-namespace reference = quo_reference;
 
 namespace {
 

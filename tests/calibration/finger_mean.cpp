@@ -2,7 +2,7 @@
 #include "support/testing.h"
 
 using namespace quo_test;
-using quo_reference::Finger;
+using reference::Finger;
 
 namespace {
 
@@ -28,7 +28,7 @@ TEST(tev_GetFingerMean, EqualsItsDefinition) {
       return std::min(255, level + (x / 8 + y / 8) % 9 * random.between(0, 9));
     });
     const Image& frame = random.chance(30) ? content : blocks;
-    ASSERT_EQ(measure(ReadOnly(frame, guard).data(), frame.width, frame.height), quo_reference::finger(frame))
+    ASSERT_EQ(measure(ReadOnly(frame, guard).data(), frame.width, frame.height), reference::finger(frame))
         << frame.width << "x" << frame.height;
   });
 }

@@ -42,8 +42,8 @@ TEST(CheckBadLine, EqualsItsDefinition) {
     ASSERT_EQ(CheckBadLine(ReadOnly(image, guard).data(), image.width, image.height, reference, &pixels.columns,
                            &pixels.rows, &column_marks, &row_marks),
               QUO_OK);
-    const auto columns = quo_reference::bad_lines(image, reference, true);
-    const auto rows = quo_reference::bad_lines(image, reference, false);
+    const auto columns = reference::bad_lines(image, reference, true);
+    const auto rows = reference::bad_lines(image, reference, false);
     ASSERT_EQ(take(column_marks, columns.marks.size()), columns.marks) << image.width << "x" << image.height;
     ASSERT_EQ(take(row_marks, rows.marks.size()), rows.marks) << image.width << "x" << image.height;
     ASSERT_EQ(pixels, (PixelsOnLines{columns.pixels, rows.pixels}));

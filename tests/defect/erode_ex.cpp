@@ -13,7 +13,7 @@ Image speckled(Random& random, int32_t width, int32_t height) {
 
 void expect_defined(const Image& image, int32_t border, int32_t allowance) {
   Image expected_marks;
-  const uint32_t expected = quo_reference::erode(image, border, 100, allowance, expected_marks);
+  const uint32_t expected = reference::erode(image, border, 100, allowance, expected_marks);
   uint32_t with_marks = 77, without_marks = 77;
   uint8_t* marks = nullptr;
   MyErodeEx(image.data(), image.width, image.height, border, 100, allowance, &with_marks, &marks);
@@ -31,7 +31,7 @@ TEST(MyErodeEx, StopsAtThePixelThatExceedsTheAllowance) {
   for (const int32_t width : {17, 240, 245, 490, 733}) {  // one block and less, and several
     const Image image = speckled(random, width, 7);
     Image marks;
-    const auto bad = static_cast<int32_t>(quo_reference::erode(image, 1, 100, INT32_MAX, marks));
+    const auto bad = static_cast<int32_t>(reference::erode(image, 1, 100, INT32_MAX, marks));
     for (const int32_t border : {0, 1, 2}) {
       for (int32_t allowance = -2; allowance <= bad + 1; allowance += 1 + bad / 40) {
         expect_defined(image, border, allowance);

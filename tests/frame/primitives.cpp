@@ -3,6 +3,7 @@
 #include <cmath>
 #include <limits>
 
+#include "reference/frame.h"
 #include "support/testing.h"
 
 using namespace quo_test;
@@ -34,22 +35,10 @@ TEST(quo_sqrt, HasTheseLastBits) {
   EXPECT_LT(quo_sqrt(-0.0F), -1e18F);
 }
 
-// The definition: every operation in single precision, the subtraction fused with its product.
-static float fused_sqrt(float x) {
-  const uint32_t shifted = static_cast<uint32_t>(std::bit_cast<int32_t>(x) >> 1);
-  float y = std::bit_cast<float>(0x5F375A86U - shifted);
-  const float half = 0.5F * x;
-  for (int step = 0; step < 3; step++) {
-    const float product = half * y;
-    y = y * std::fma(-y, product, 1.5F);
-  }
-  return 1.0F / y;
-}
-
 TEST(quo_sqrt, EqualsTheFusedStepsOverItsWholeRange) {
   for (uint64_t bits = 0; bits <= UINT32_MAX; bits += 2039) {
     const auto x = std::bit_cast<float>(static_cast<uint32_t>(bits));
-    const float expected = fused_sqrt(x);
+    const float expected = reference::fused_sqrt(x);
     if (expected != expected) continue;
     ASSERT_EQ(std::bit_cast<uint32_t>(quo_sqrt(x)), std::bit_cast<uint32_t>(expected)) << x;
   }

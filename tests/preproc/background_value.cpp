@@ -69,7 +69,7 @@ TEST(FindBgValue, EqualsTheLiteralFormAroundEveryLimit) {
       const int level = levels[(x < width / 2 ? 0 : 1) + (y < height / 2 ? 0 : 2)];
       return std::clamp(level + random.between(-spread, spread), 0, 255);
     });
-    const auto expected = quo_reference::background_value(frame);
+    const auto expected = reference::background_value(frame);
     uint8_t bg = 1;
     ASSERT_EQ(FindBgValue(frame.data(), width, height, &bg), expected.has_value() ? 1 : 0) << "round " << round;
     ASSERT_EQ(bg, expected.value_or(1)) << "round " << round;

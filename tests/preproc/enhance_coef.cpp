@@ -31,7 +31,7 @@ TEST(GetEnhanceCoef, EqualsTheLiteralFormForAnyNumberOfPixels) {
     for (const Fill fill : kAllFills) {
       const Image frame = generate(random, count, 1, fill);
       ASSERT_EQ(GetEnhanceCoef(ReadOnly(frame).data(), static_cast<uint32_t>(count), 1, 100),
-                quo_reference::enhance_coefficient(frame, 100))
+                reference::enhance_coefficient(frame, 100))
           << count << " pixels";
     }
   }
@@ -40,6 +40,6 @@ TEST(GetEnhanceCoef, EqualsTheLiteralFormForAnyNumberOfPixels) {
 // Sums modulo 2^32: of the pixels, and of their distances from the mean that comes out of it.
 TEST(GetEnhanceCoef, WrapsSumsBeyond32Bits) {
   Image frame(4600, 4600, [](int32_t x, int32_t y) { return (x + y) % 2 == 0 ? 229 : 215; });
-  EXPECT_EQ(GetEnhanceCoef(frame.data(), 4600, 4600, 100), quo_reference::enhance_coefficient(frame, 100));
+  EXPECT_EQ(GetEnhanceCoef(frame.data(), 4600, 4600, 100), reference::enhance_coefficient(frame, 100));
   EXPECT_EQ(GetEnhanceCoef(frame.data(), 1 << 16, 1 << 15, 100), 1.0);  // a negative number of pixels
 }

@@ -2,7 +2,7 @@
 #include "support/testing.h"
 
 using namespace quo_test;
-using quo_reference::Balance;
+using reference::Balance;
 
 namespace {
 
@@ -49,7 +49,7 @@ TEST(LocalGrayBalance_Slice, EqualsTheLiteralForm) {
   const auto check = [](const Image& frame, Random& random, Guard guard) {
     const Balance how = any_balance(random, frame.height);
     const auto stretch = [&](uint8_t* pixels) { ASSERT_EQ(balance(pixels, frame.width, frame.height, how), QUO_OK); };
-    ASSERT_EQ(changed(frame, guard, stretch), quo_reference::balanced(frame, how))
+    ASSERT_EQ(changed(frame, guard, stretch), reference::balanced(frame, how))
         << "radius " << how.radius << " band " << how.band_rows << " gain " << how.gain << " context " << how.top << ","
         << how.bottom;
   };
@@ -68,7 +68,7 @@ TEST(LocalGrayBalance_Slice, DividesEverySumExactly) {
       Image result = frame;
       const Balance how{.band_rows = 11, .gain = 64};
       balance(result.data(), 11, 11, how);
-      ASSERT_EQ(result, quo_reference::balanced(frame, how)) << base << " and " << ones;
+      ASSERT_EQ(result, reference::balanced(frame, how)) << base << " and " << ones;
     }
   }
 }
@@ -89,7 +89,7 @@ TEST(LocalGrayBalance_Slice, TakesAnyArguments) {
   for (const auto& [radius, band_rows, top, bottom, same] : cases) {
     Image result = frame;
     EXPECT_EQ(LocalGrayBalance_Slice(result.data(), 30, 30, radius, band_rows, 4, top, bottom), QUO_OK);
-    EXPECT_EQ(result, quo_reference::balanced(frame, same));
+    EXPECT_EQ(result, reference::balanced(frame, same));
   }
   reset_hooks();
   EXPECT_EQ(LocalGrayBalance_Slice(nullptr, 20, 24, 3, UINT32_MAX, 2, 0, 0), QUO_NO_MEMORY);

@@ -24,9 +24,9 @@ Image bordered(Image frame, uint8_t flags) {
 }
 
 Image balanced(const Image& frame) {
-  const auto gain = static_cast<int>(quo_reference::enhance_coefficient(frame, 100));
+  const auto gain = static_cast<int>(reference::enhance_coefficient(frame, 100));
   EXPECT_GE(gain, 2);  // or there is nothing to see
-  return quo_reference::balanced(frame, {.band_rows = frame.height, .gain = gain});
+  return reference::balanced(frame, {.band_rows = frame.height, .gain = gain});
 }
 
 }  // namespace
@@ -54,7 +54,7 @@ TEST(FP_ImagePreproc, RunsTheWholeChainUnlessTheCoverageIsTooLow) {
     EXPECT_EQ(area, measured);
     EXPECT_EQ(hooks().events, events);
     const Image with_borders = bordered(finger(), static_cast<uint8_t>(flags));
-    EXPECT_EQ(frame, result == QUO_OK ? balanced(quo_reference::without_stripes(with_borders)) : with_borders);
+    EXPECT_EQ(frame, result == QUO_OK ? balanced(reference::without_stripes(with_borders)) : with_borders);
   }
 }
 
@@ -70,7 +70,7 @@ TEST(FP_ImagePreproc_MCU, RepairsBordersAndStripesSilently) {
     Image frame = finger();
     reset_hooks();
     EXPECT_EQ(FP_ImagePreproc_MCU(frame.data(), 40, 40, flags), QUO_OK);
-    EXPECT_EQ(frame, quo_reference::without_stripes(bordered(finger(), flags)));
+    EXPECT_EQ(frame, reference::without_stripes(bordered(finger(), flags)));
     EXPECT_EQ(hooks().events, Events{});
   }
 }

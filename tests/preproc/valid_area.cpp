@@ -2,7 +2,7 @@
 #include "support/testing.h"
 
 using namespace quo_test;
-using quo_reference::ValidArea;
+using reference::ValidArea;
 
 namespace {
 
@@ -17,8 +17,7 @@ ValidArea measure(const uint8_t* pixels, int32_t width, int32_t height, uint8_t 
 TEST(GetValidArea, EqualsTheLiteralForm) {
   for_each_frame(22, 34, {}, [](const Image& frame, Random& random, Guard guard) {
     for (const uint8_t bg : {random.byte(), uint8_t{0}, uint8_t{255}}) {
-      ASSERT_EQ(measure(ReadOnly(frame, guard).data(), frame.width, frame.height, bg),
-                quo_reference::valid_area(frame, bg))
+      ASSERT_EQ(measure(ReadOnly(frame, guard).data(), frame.width, frame.height, bg), reference::valid_area(frame, bg))
           << frame.width << "x" << frame.height << " bg " << int{bg};
     }
   });

@@ -31,7 +31,7 @@ TEST(RemoveVerticalStripes, TakesTheOffsetFromTheNeighboursOffAColumn) {
 // Heights beyond 255 and widths beyond 1024 are counted in parts.
 TEST(RemoveVerticalStripes_All, EqualsTheLiteralForm) {
   const auto check = [](const Image& content, Random& random, Guard guard) {
-    const Image frame = striped(content, random), expected = quo_reference::without_stripes(frame);
+    const Image frame = striped(content, random), expected = reference::without_stripes(frame);
     ReadOnly source(frame, guard);
     for (const bool in_place : {false, true}) {
       const auto remove = [&](uint8_t* to) {

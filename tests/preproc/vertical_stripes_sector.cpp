@@ -26,7 +26,7 @@ TEST(RemoveVerticalStripes_Sector, EqualsTheLiteralFormAndLeavesOtherColumnsAlon
       const auto remove = [&](uint8_t* to) {
         ASSERT_EQ(RemoveVerticalStripes_Sector(in_place ? to : source.data(), to, frame.width, frame.height), 1);
       };
-      ASSERT_EQ(changed(before, guard, remove), quo_reference::without_sector_stripes(frame, before));
+      ASSERT_EQ(changed(before, guard, remove), reference::without_sector_stripes(frame, before));
     }
   };
   for_each_frame(26, 18, {{32, 255}, {160, 256}, {47, 300}, {1024, 255}, {1040, 300}, {2081, 5}}, check);

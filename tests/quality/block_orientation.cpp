@@ -7,25 +7,26 @@ namespace {
 
 constexpr quo_block_record kBackground = {-1, 255, 0, 0};
 
-naive::DenseBlocks measured(const Image& image, int32_t nbx, int32_t nby, int32_t radius, Guard guard = Guard::kAfter) {
+reference::DenseBlocks measured(const Image& image, int32_t nbx, int32_t nby, int32_t radius,
+                                Guard guard = Guard::kAfter) {
   ReadOnly pixels(image, guard);
   const auto count = static_cast<size_t>(nbx * nby);
   Guarded records(count * sizeof(quo_block_record), guard, 0xEE);
   auto* const blocks = records.as<quo_block_record>();
   uint8_t area = 238;
   EXPECT_EQ(BlockOrientation(pixels.data(), image.width, image.height, blocks, nbx, nby, radius, &area), QUO_OK);
-  return {naive::Records(blocks, blocks + count), area};
+  return {reference::Records(blocks, blocks + count), area};
 }
 
 void expect_definition(const Image& image, int32_t nbx, int32_t nby, int32_t radius, Guard guard = Guard::kAfter) {
   reset_hooks();
-  const naive::DenseBlocks actual = measured(image, nbx, nby, radius, guard),
-                           expected = naive::dense_blocks(image, nbx, nby, radius);
+  const reference::DenseBlocks actual = measured(image, nbx, nby, radius, guard),
+                               expected = reference::dense_blocks(image, nbx, nby, radius);
   SCOPED_TRACE(testing::Message() << image.width << "x" << image.height << ", " << nbx << "x" << nby
                                   << " blocks, radius " << radius);
   ASSERT_EQ(actual.blocks, expected.blocks);
   ASSERT_EQ(actual.area, expected.area);
-  EXPECT_EQ(hooks().arctangents, naive::half_of(image).pixels.size());
+  EXPECT_EQ(hooks().arctangents, reference::half_of(image).pixels.size());
 }
 
 }  // namespace

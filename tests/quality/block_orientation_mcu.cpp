@@ -5,7 +5,7 @@ using namespace quo_test;
 
 namespace {
 
-naive::Records measured(const Image& image) {
+reference::Records measured(const Image& image) {
   quo_block_record* blocks = nullptr;
   int32_t count = -1;
   EXPECT_EQ(BlockOrientation_MCU(ReadOnly(image).data(), image.width, image.height, &blocks, &count), QUO_OK);
@@ -21,7 +21,7 @@ TEST(BlockOrientation_MCU, EqualsItsDefinition) {
     for (const Size size : {Size{shorter, shorter + 20}, {shorter + 1, shorter}}) {
       for (const Fill fill : kAllFills) {
         const Image image = generate(random, size.width, size.height, fill);
-        ASSERT_EQ(measured(image), naive::sparse_blocks(image)) << size.width << "x" << size.height;
+        ASSERT_EQ(measured(image), reference::sparse_blocks(image)) << size.width << "x" << size.height;
       }
     }
   }
@@ -40,7 +40,7 @@ TEST(BlockOrientation_MCU, EqualsItsDefinitionOnItsThresholds) {
                                                                         : (dx * x + dy * y + 26) / 2 % (levels + 1);
       return std::min(255, base + step * level);
     });
-    const naive::Records expected = naive::sparse_blocks(image);
+    const reference::Records expected = reference::sparse_blocks(image);
     codes[static_cast<size_t>(expected[0].direction + (expected[0].direction < 0 ? 1 : 0))]++;
     ASSERT_EQ(measured(image), expected) << "round " << round;
   }
@@ -64,7 +64,7 @@ TEST(BlockOrientation_MCU, TakesTheLeastDifferenceBetweenPairs) {
       image.at(6 + 2 * n, 6 - n) = image.at(6 + n, 6 - 2 * n) = 100;
     }
     if (!clear) image.at(12, 0) = 119;
-    const naive::Records expected = naive::sparse_blocks(image);
+    const reference::Records expected = reference::sparse_blocks(image);
     EXPECT_EQ(measured(image), expected);
     EXPECT_EQ(expected[0].direction > 0, clear);
   }

@@ -4,9 +4,9 @@ using namespace quo_test;
 
 namespace {
 
-naive::Scores expected_scores(const Image& image) {
-  const naive::DenseBlocks dense = naive::dense_blocks(image, image.width / 8, image.height / 8, 3);
-  naive::Scores scores = naive::score(dense.blocks, false);
+reference::Scores expected_scores(const Image& image) {
+  const reference::DenseBlocks dense = reference::dense_blocks(image, image.width / 8, image.height / 8, 3);
+  reference::Scores scores = reference::score(dense.blocks, false);
   scores.area = dense.area;
   return scores;
 }

@@ -34,7 +34,7 @@ TEST(ImageQuality_MCU, EqualsItsDefinitionWithAnyOutputsLeftOut) {
     const Fill fill = random.chance(70) ? Fill::kRidges : kAllFills[random.next() % 6];
     const int32_t width = random.between(8, 110);
     const Image image = generate(random, width, random.between(8, 110), fill);
-    const naive::Scores expected = naive::score(naive::sparse_blocks(image), true);
+    const reference::Scores expected = reference::score(reference::sparse_blocks(image), true);
     scores[expected.quality]++;
     const int given = random.chance(50) ? 15 : random.between(0, 15);
     ASSERT_EQ(run(ImageQuality_MCU, image, given), as_given(expected, given)) << "round " << round;

@@ -16,8 +16,8 @@ Image oriented(const Image& image, int32_t radius) {
 
 void expect_definition(const Image& image, int32_t radius) {
   reset_hooks();
-  ASSERT_EQ(oriented(image, radius), naive::orientation_field(image, radius)) << "radius " << radius;
-  EXPECT_EQ(hooks().arctangents, naive::half_of(image).pixels.size());
+  ASSERT_EQ(oriented(image, radius), reference::orientation_field(image, radius)) << "radius " << radius;
+  EXPECT_EQ(hooks().arctangents, reference::half_of(image).pixels.size());
 }
 
 // Answers that an arctangent gives and answers that it cannot, by turns.

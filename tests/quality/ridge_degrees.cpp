@@ -25,7 +25,7 @@ struct Pairs {
       quo::take_degrees_by_hook(&x[from], &y[from], static_cast<int32_t>(count), called);
       for (size_t i = 0; i < count; i++) {
         ASSERT_EQ(quick[i], called[i]) << x[from + i] << ", " << y[from + i];
-        ASSERT_EQ(called[i], naive::orientation(x[from + i], y[from + i]));
+        ASSERT_EQ(called[i], reference::orientation(x[from + i], y[from + i]));
       }
     }
   }
@@ -75,9 +75,9 @@ TEST(RidgeDegrees, MakeTheFieldsOfTheLibrary) {
     const Image image = generate(random, 90, 70, fill);
     Image field(90, 70);
     ASSERT_EQ(Orientation(image.data(), field.data(), 90, 70, 3), 1U);
-    ASSERT_EQ(field, naive::orientation_field(image, 3));
-    naive::Records blocks(88);
+    ASSERT_EQ(field, reference::orientation_field(image, 3));
+    reference::Records blocks(88);
     ASSERT_EQ(BlockOrientation(image.data(), 90, 70, blocks.data(), 11, 8, 1, nullptr), QUO_OK);
-    ASSERT_EQ(blocks, naive::dense_blocks(image, 11, 8, 1).blocks);
+    ASSERT_EQ(blocks, reference::dense_blocks(image, 11, 8, 1).blocks);
   }
 }

@@ -30,7 +30,7 @@ Outputs run(Function function, const Image& image, int given = 15) {
 }
 
 /** What a call that succeeds leaves in the outputs that it was given. */
-inline Outputs as_given(const naive::Scores& scores, int given) {
+inline Outputs as_given(const reference::Scores& scores, int given) {
   const auto at = [&](int bit, int value) { return given & bit && value >= 0 ? value : kUntouched; };
   return {QUO_OK, at(1, scores.quality), at(2, scores.area), at(4, scores.bright), at(8, scores.mean_gray)};
 }

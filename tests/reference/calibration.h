@@ -5,7 +5,7 @@
 
 #include "support/frames.h"
 
-namespace quo_reference {
+namespace reference {
 
 using quo_test::Image;
 
@@ -31,4 +31,4 @@ inline Finger finger(const Image& frame) {
   return {static_cast<uint8_t>(total / (64 * blocks)), static_cast<uint8_t>(100 * blocks / all)};
 }
 
-}  // namespace quo_reference
+}  // namespace reference

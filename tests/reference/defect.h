@@ -6,7 +6,7 @@
 
 #include "support/frames.h"
 
-namespace quo_reference {
+namespace reference {
 
 using quo_test::Image;
 
@@ -59,4 +59,4 @@ inline uint32_t erode(const Image& image, int32_t border, uint8_t threshold, int
   return count;
 }
 
-}  // namespace quo_reference
+}  // namespace reference

@@ -8,7 +8,7 @@
 
 #include "support/frames.h"
 
-namespace quo_reference {
+namespace reference {
 
 using quo_test::Image;
 
@@ -67,6 +67,19 @@ inline ValidArea valid_area(const Image& image, uint8_t bg) {
   if (valid == 0) return {};
   return {static_cast<uint8_t>(valid * 100 / blocks), static_cast<uint8_t>(sum / (valid * 64)),
           left / static_cast<int32_t>(valid), top / static_cast<int32_t>(valid)};
+}
+
+inline Image bordered(Image image, int flags) {
+  const int32_t w = image.width, h = image.height;
+  for (int32_t x = 0; x < w && h >= 2; x++) {
+    if (flags & 1) image.at(x, 0) = image.at(x, 1);
+    if (flags & 2) image.at(x, h - 1) = image.at(x, h - 2);
+  }
+  for (int32_t y = 0; y < h && w >= 2; y++) {
+    if (flags & 4) image.at(0, y) = image.at(1, y);
+    if (flags & 8) image.at(w - 1, y) = image.at(w - 2, y);
+  }
+  return image;
 }
 
 /** Mean of a column over its pixels up to `limit`; 255 without one. */
@@ -154,4 +167,4 @@ inline Image balanced(const Image& image, const Balance& how) {
   return result;
 }
 
-}  // namespace quo_reference
+}  // namespace reference

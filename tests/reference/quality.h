@@ -24,7 +24,7 @@ inline std::ostream& operator<<(std::ostream& out, const quo_block_record& block
              << "}";
 }
 
-namespace naive {
+namespace reference {
 
 using quo_test::Image;
 using Records = std::vector<quo_block_record>;
@@ -242,4 +242,4 @@ inline Scores score(const Records& blocks, bool sparse) {
   return result;
 }
 
-}  // namespace naive
+}  // namespace reference

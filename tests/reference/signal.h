@@ -9,7 +9,7 @@
 #include "quoFPAlg.h"
 #include "support/frames.h"
 
-namespace quo_reference {
+namespace reference {
 
 using quo_test::Image;
 
@@ -133,4 +133,4 @@ inline std::optional<Image> bubbles(const Image& frame) {
   return result;
 }
 
-}  // namespace quo_reference
+}  // namespace reference

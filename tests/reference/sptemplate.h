@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "quoFPAlg.h"
@@ -60,6 +61,20 @@ inline Decoded decoded(std::span<const uint8_t> bytes) {
   }
   result.accepted = version == 0 || next() == version;
   return result;
+}
+
+using SpanAndEqual = std::pair<uint32_t, uint32_t>;
+
+/** Span and equal positions of two profiles, from the list of all dark positions. */
+inline SpanAndEqual local_match(std::span<const uint8_t> first, std::span<const uint8_t> second) {
+  std::vector<size_t> dark;
+  for (size_t i = 0; i < first.size(); i++) {
+    if (first[i] == 0 || second[i] == 0) dark.push_back(i);
+  }
+  if (dark.size() < 2) return {0, 0};
+  uint32_t equal = 0;
+  for (size_t i = dark.front(); i <= dark.back(); i++) equal += first[i] == second[i];
+  return {static_cast<uint32_t>(dark.back() - dark.front() + 1), equal};
 }
 
 /** Score of two records, nothing when they do not fit together. */

@@ -40,7 +40,7 @@ TEST(ImgBlockVariance, EqualsItsDefinitionForEverySizeThatHoldsABlock) {
   auto check = [&](int32_t width, int32_t height, int32_t margin, int32_t size) {
     const Image image = generate(random, width, height, kAllFills[random.next() % 6]);
     ReadOnly guarded(image, random.chance(50) ? Guard::kAfter : Guard::kBefore);
-    const auto expected = quo_reference::block_variances(image, margin, size);
+    const auto expected = reference::block_variances(image, margin, size);
     const Grid grid = measure(guarded.data(), width, height, static_cast<uint8_t>(margin), size);
     ASSERT_EQ(grid.result, QUO_OK) << width << "x" << height << " margin " << margin << " size " << size;
     ASSERT_EQ(grid.across, expected.across);

@@ -48,7 +48,7 @@ TEST(CreateBubbleImage, KeepsTheInsideOfBrightBlobs) {
     const Bubbles bubbles = find(c.frame);
     EXPECT_EQ(bubbles.result, QUO_OK);
     EXPECT_EQ(bubbles.count, c.count);
-    EXPECT_EQ(bubbles.image, quo_reference::bubbles(c.frame));
+    EXPECT_EQ(bubbles.image, reference::bubbles(c.frame));
   }
   const Bubbles none = find(checkerboard([](int32_t, int32_t) { return false; }));
   EXPECT_EQ(none.result, QUO_OK);
@@ -81,7 +81,7 @@ TEST(CreateBubbleImage, EqualsItsDefinition) {
           Image(frame.width, frame.height, [&](int32_t x, int32_t y) { return blob(x, y) ? 250 : frame.at(x, y) / 4; });
     }
     const Bubbles bubbles = find(frame);
-    const auto expected = quo_reference::bubbles(frame);
+    const auto expected = reference::bubbles(frame);
     ASSERT_EQ(bubbles.result, QUO_OK);
     ASSERT_EQ(bubbles.image, expected) << frame.width << "x" << frame.height;
     const auto count = expected ? std::count(expected->pixels.begin(), expected->pixels.end(), 255) : 0;

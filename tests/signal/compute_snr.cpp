@@ -2,7 +2,7 @@
 #include "support/testing.h"
 
 using namespace quo_test;
-using quo_reference::Snr;
+using reference::Snr;
 
 namespace {
 
@@ -38,7 +38,7 @@ TEST(FP_ComputeSNR, HasTheseResults) {
 TEST(FP_ComputeSNR, EqualsItsDefinition) {
   for_each_frame(5, 40, {{160, 160}}, [](const Image& frame, Random&, Guard) {
     if (frame.width < 16 || frame.height < 16) return;
-    ASSERT_EQ(measure(frame), quo_reference::snr(frame)) << frame.width << "x" << frame.height;
+    ASSERT_EQ(measure(frame), reference::snr(frame)) << frame.width << "x" << frame.height;
   });
 }
 

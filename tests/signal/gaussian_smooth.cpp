@@ -34,7 +34,7 @@ TEST(GasssianSmooth, EqualsItsDefinition) {
         ASSERT_EQ(GasssianSmooth(pixels, scratch, image.width, image.height), 1U);
       });
     });
-    ASSERT_EQ(rows, quo_reference::smooth(expected));
+    ASSERT_EQ(rows, reference::smooth(expected));
     ASSERT_EQ(smoothed, expected);
   });
 }

@@ -27,7 +27,7 @@ TEST(MyRectErode, EqualsItsDefinition) {
         MyRectErode(ReadOnly(mask, guard).data(), output, w, h, border, &count);
       };
       Image expected(w, h, 0x35);
-      const uint32_t expected_count = quo_reference::erode(mask, expected, std::max(border, 1));
+      const uint32_t expected_count = reference::erode(mask, expected, std::max(border, 1));
       ASSERT_EQ(changed(Image(w, h, 0x35), guard, erode), expected) << "border " << border;
       ASSERT_EQ(count, expected_count) << w << "x" << h << " border " << border;
     }

@@ -17,7 +17,7 @@ TEST(Variance, EqualsItsDefinitionToTheBit) {
   Random random(2);
   auto check = [&](int32_t count, Fill fill) {
     const Image image = generate(random, count, 1, fill);
-    ASSERT_EQ(Variance(ReadOnly(image).data(), count), quo_reference::variance(image.pixels)) << count << " values";
+    ASSERT_EQ(Variance(ReadOnly(image).data(), count), reference::variance(image.pixels)) << count << " values";
   };
   for (const Fill fill : kAllFills) {
     for (int32_t count = 1; count <= 300; count++) check(count, fill);

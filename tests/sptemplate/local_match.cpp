@@ -1,30 +1,16 @@
-#include <utility>
-
+#include "reference/sptemplate.h"
 #include "sptemplate/records.h"
 
 using namespace quo_test;
+using reference::SpanAndEqual;
 
 namespace {
-
-using SpanAndEqual = std::pair<uint32_t, uint32_t>;
 
 SpanAndEqual local_match(const Bytes& first, const Bytes& second) {
   Guarded a(first, Guard::kAfter), b(second, Guard::kAfter);
   SpanAndEqual result{99, 99};
   LocalMatchSpTemplates(a.data(), b.data(), static_cast<uint16_t>(first.size()), &result.first, &result.second);
   return result;
-}
-
-// From the list of all dark positions.
-SpanAndEqual from_definition(const Bytes& first, const Bytes& second) {
-  std::vector<size_t> dark;
-  for (size_t i = 0; i < first.size(); i++) {
-    if (first[i] == 0 || second[i] == 0) dark.push_back(i);
-  }
-  if (dark.size() < 2) return {0, 0};
-  uint32_t equal = 0;
-  for (size_t i = dark.front(); i <= dark.back(); i++) equal += first[i] == second[i];
-  return {static_cast<uint32_t>(dark.back() - dark.front() + 1), equal};
 }
 
 }  // namespace
@@ -46,12 +32,12 @@ TEST(LocalMatchSpTemplates, EqualsItsDefinitionForAllShortProfiles) {
       first.push_back(values[rest % 3]);
       second.push_back(values[rest / 3 % 3]);
     }
-    ASSERT_EQ(local_match(first, second), from_definition(first, second)) << "code " << code;
+    ASSERT_EQ(local_match(first, second), reference::local_match(first, second)) << "code " << code;
   }
   Random random(56);
   for (int round = 0; round < 300; round++) {
     const auto n = static_cast<size_t>(random.between(5, 200));
     const Bytes first = random_profile(random, n), second = random_profile(random, n);
-    ASSERT_EQ(local_match(first, second), from_definition(first, second));
+    ASSERT_EQ(local_match(first, second), reference::local_match(first, second));
   }
 }

@@ -7,6 +7,13 @@
 
 #include "quoFPAlg.h"
 
+// The memory sanitizer follows what nobody wrote; elsewhere fresh memory holds a value that no result depends on.
+#if defined(__has_feature)
+#if __has_feature(memory_sanitizer)
+#define QUO_FRESH_MEMORY_UNDEFINED 1
+#endif
+#endif
+
 namespace quo_test {
 namespace {
 
@@ -63,7 +70,9 @@ void* tev_quo_malloc(uint32_t size) {
     s.record.failed++;
     return nullptr;
   }
+#ifndef QUO_FRESH_MEMORY_UNDEFINED
   std::memset(block, s.fresh_byte, size);
+#endif
   s.live.push_back(block);
   s.record.live_blocks = s.live.size();
   return block;
