@@ -17,7 +17,7 @@ inline Image half_image(const Image& source, uint8_t mode) {
   const int32_t w = source.width, h = source.height;
   Image half(w >> 1, h >> 1);
   auto put = [&](int32_t x, int32_t y, int value) {
-    if (x < half.width && y < half.height) half.at(x, y) = static_cast<uint8_t>(value);
+    if (x >= 0 && x < half.width && y >= 0 && y < half.height) half.at(x, y) = static_cast<uint8_t>(value);
   };
   if (mode == 0) {
     for (int32_t y = 0; y < h; y += 2) {
