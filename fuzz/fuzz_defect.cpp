@@ -7,29 +7,11 @@
 #include "support/drawn.h"
 
 using namespace quo_fuzz;
+using reference::FrameLines;
 
 namespace {
 
 constexpr int kTouched = 77;
-
-struct Lines {
-  reference::Lines columns, rows;
-
-  uint32_t pixels() const { return columns.pixels + rows.pixels; }
-};
-
-Lines bad_lines(const Image& image, uint8_t level) {
-  return {reference::bad_lines(image, level, true), reference::bad_lines(image, level, false)};
-}
-
-void paint(const Lines& lines, Image& marks) {
-  for (int32_t y = 0; y < marks.height; y++) {
-    for (int32_t x = 0; x < marks.width; x++) {
-      const size_t column = static_cast<size_t>(x), row = static_cast<size_t>(y);
-      if (lines.columns.marks[column] != 0 || lines.rows.marks[row] != 0) marks.at(x, y) = 255;
-    }
-  }
-}
 
 void find_lines(Input& input, uint8_t failing) {
   const uint8_t level = input.byte();
@@ -50,7 +32,7 @@ void find_lines(Input& input, uint8_t failing) {
             "nothing is written");
     return;
   }
-  Lines expected = bad_lines(image, level);
+  FrameLines expected = reference::bad_lines(image, level);
   expected.columns.marks.resize(w);  // of an empty frame too
   expected.rows.marks.resize(h);
   require(columns == expected.columns.marks && rows == expected.rows.marks, "the marks are the reference's");
@@ -72,9 +54,9 @@ void mark_lines(Input& input, uint8_t failing) {
   Image expected(image.width, image.height);
   uint32_t count = kTouched;
   if (result == QUO_OK) {
-    const Lines lines = bad_lines(image, 220);
+    const FrameLines lines = reference::bad_lines(image, 220);
     count += lines.pixels();
-    paint(lines, expected);
+    reference::paint(lines, expected);
   }
   require(pixels == count, "the lines' pixels are added");
   require(handed_out || result != QUO_OK, "success comes with a mark image");
@@ -99,37 +81,12 @@ void erode(Input& input, uint8_t failing) {
   require(allocation_failed() || marks == expected.pixels, "the marks are the reference's");
 }
 
-struct BadPixels {
-  uint32_t count = 0;
-  std::optional<Image> marks;
-};
-
-BadPixels bad_pixels(const Image& image, int32_t allowance, uint8_t limit) {
-  uint32_t levels[256] = {}, dark = 0, weighted = 0, squares = 0, lowest = 255, below = 0;
-  for (const uint8_t pixel : image.pixels) levels[pixel]++;
-  for (uint32_t v = 0; v < limit; v++) {
-    dark += levels[v];
-    weighted += v * levels[v];
-    if (levels[v] != 0) lowest = std::min(lowest, v);
-  }
-  if (dark == 0 || levels[lowest] > 0.3 * dark) return {};
-  const uint32_t mean = weighted / dark;
-  for (uint32_t v = 0; v < limit; v++) squares += (v - mean) * (v - mean) * levels[v];
-  const double cut = std::fma(-2.3, static_cast<double>(quo_sqrt(static_cast<float>(squares / dark))), mean);
-  const auto threshold = static_cast<uint8_t>(std::max(lowest + 1.0, cut));
-  for (uint32_t v = 0; v < threshold && v < limit; v++) below += levels[v];
-  if (static_cast<int64_t>(below) <= allowance && static_cast<int64_t>(image.pixels.size()) > allowance) return {};
-  BadPixels bad;
-  bad.count = reference::erode(image, 2, threshold, allowance, bad.marks.emplace());
-  return bad;
-}
-
 void count_pixels(Input& input, uint8_t failing) {
   const int32_t allowance = number(input);
   const uint8_t limit = input.byte();
   Image image;
   const Size size = frame(input, image);
-  const BadPixels expected = bad_pixels(image, allowance, limit);
+  const reference::BadPixels expected = reference::bad_pixels(image, allowance, limit);
   const auto [count, marks] = same_twice(failing, [&] {
     uint32_t counted = kTouched;
     uint8_t* mark_image = nullptr;
@@ -141,10 +98,6 @@ void count_pixels(Input& input, uint8_t failing) {
   });
   require(count == expected.count, "the count is the reference's");
   if (!marks.empty()) require(marks == expected.marks->pixels, "the marks are the reference's");
-}
-
-Image half_of(const Image& image) {
-  return Image(image.width >> 1, image.height >> 1, [&](int32_t x, int32_t y) { return image.at(2 * x, 2 * y); });
 }
 
 // Without memory only the result is looked at: what remains depends on which allocation failed.
@@ -160,20 +113,12 @@ void measure(Input& input, uint8_t failing) {
   require(result == QUO_OK || (result == QUO_NO_MEMORY && lacked_memory(std::max(size.width, size.height))),
           "only memory can fail");
   if (lacked_memory(std::max(size.width, size.height))) return;
-  const Image half = half_of(image);
-  const uint8_t background = reference::background_value(half).value_or(255);
-  const BadPixels bad = bad_pixels(half, static_cast<int32_t>(half.pixels.size()), background);
-  const Lines lines = bad_lines(image, background);
-  Image expected(image.width, image.height, [&](int32_t x, int32_t y) {
-    if (!bad.marks || bad.marks->pixels.empty()) return uint8_t{0};
-    return bad.marks->at(std::min(x / 2, half.width - 1), std::min(y / 2, half.height - 1));
-  });
-  paint(lines, expected);
-  require(count == 4 * bad.count + lines.pixels(), "the count is the reference's");
-  require(marks == expected.pixels, "the marks are the reference's");
+  const reference::Defects expected = reference::defects(image);
+  require(count == expected.count, "the count is the reference's");
+  require(marks == expected.marks.pixels, "the marks are the reference's");
 }
 
-Image repaired(Image image, const Lines& lines) {
+Image repaired(Image image, const FrameLines& lines) {
   for (int32_t x = 1; x < image.width; x++) {
     for (int32_t y = 0; y < image.height; y++) {
       if (lines.columns.marks[static_cast<size_t>(x)] != 0) image.at(x, y) = image.at(x - 1, y);
@@ -203,10 +148,10 @@ void check(Input& input, uint8_t failing) {
     require(out == image && (failed == 0 || (failed == 1 && allowance < 0)), "nothing is repaired then");
     return;
   }
-  const Image half = half_of(image);
+  const Image half = reference::subsampled(image);
   const uint8_t background = reference::background_value(half).value_or(255);
-  const Lines lines = bad_lines(image, background);
-  const bool bad = int64_t{4} * bad_pixels(half, allowance >> 2, background).count > allowance;
+  const FrameLines lines = reference::bad_lines(image, background);
+  const bool bad = int64_t{4} * reference::bad_pixels(half, allowance >> 2, background).count > allowance;
   const bool too_many = bad || (lines.pixels() > 0 && int64_t{lines.pixels()} > allowance);
   require(failed == (too_many ? 1 : 0), "the verdict is the reference's");
   require(out == (too_many ? image : repaired(image, lines)), "the repair is the reference's");

@@ -31,7 +31,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     require(!frame || quofp::is_pgm(bytes), "no other number of bytes is a raw frame");
   } else if (reading.raw.bits == 8) {
     const auto pixels = bytes.subspan(static_cast<size_t>(reading.raw.offset));
-    require(frame && frame->width == raw_size->width && Bytes(pixels.begin(), pixels.end()) == frame->pixels, "as it is");
+    require(frame && frame->width == raw_size->width && Bytes(pixels.begin(), pixels.end()) == frame->pixels,
+            "as it is");
   }
   return 0;
 }

@@ -167,4 +167,11 @@ inline Image balanced(const Image& image, const Balance& how) {
   return result;
 }
 
+/** The frame balanced as a whole by the coefficient for a target, as FP_ImagePreproc_Step2 does for 100. */
+inline Image contrasted(const Image& image, int32_t target) {
+  if (image.pixels.empty()) return image;
+  const double coefficient = std::max(0.0, enhance_coefficient(image, target));
+  return balanced(image, {.band_rows = image.height, .gain = static_cast<uint8_t>(static_cast<uint32_t>(coefficient))});
+}
+
 }  // namespace reference

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "quoFPAlg.h"
+#include "support/frames.h"
 
 namespace reference {
 
@@ -27,6 +28,52 @@ inline Bytes binarized(const Bytes& line) {
     const uint8_t pixel = line[static_cast<size_t>(i)];
     if (pixel < 254) result[static_cast<size_t>(i)] = mean < pixel ? 255 : 0;
   }
+  return result;
+}
+
+/** Between the margins of a frame: the pixels of a row, or of a column. */
+inline Bytes profile(const quo_test::Image& frame, bool row, int32_t place) {
+  Bytes line;
+  for (int32_t i = 12; i <= (row ? frame.width : frame.height) - 13; i++) {
+    line.push_back(row ? frame.at(i, place) : frame.at(place, i));
+  }
+  return binarized(line);
+}
+
+/** The record of a frame: version, payload length, and six binarised profiles, each after its length. */
+inline Bytes record(const quo_test::Image& frame) {
+  const int32_t w = frame.width, h = frame.height;
+  const auto high = [](size_t length) { return static_cast<uint8_t>(length >> 8); };
+  Bytes result(3, 1);
+  for (int32_t i = 0; i < 6; i++) {
+    const int32_t side = i < 3 ? h : w;
+    const int32_t places[] = {12, side / 2, side - 12};
+    const Bytes section = profile(frame, i < 3, places[i % 3]);
+    result.push_back(high(section.size()));
+    result.push_back(static_cast<uint8_t>(section.size()));
+    result.insert(result.end(), section.begin(), section.end());
+  }
+  result[1] = high(result.size() - 3);
+  result[2] = static_cast<uint8_t>(result.size() - 3);
+  return result;
+}
+
+/** The template of a record: runs of at most 255 equal bytes, each as value and length. */
+inline Bytes encoded(const Bytes& record) {
+  Bytes result;
+  for (size_t i = 0; i < 3; i++) result.push_back(record[i]);
+  for (size_t at = 3; at < record.size();) {
+    const size_t end = at + 2 + record[at] * 256U + record[at + 1];
+    result.push_back(record[at]);
+    result.push_back(record[at + 1]);
+    for (at += 2; at < end;) {
+      const size_t first = at;
+      while (at < end && at - first < 255 && record[at] == record[first]) at++;
+      result.push_back(record[first]);
+      result.push_back(static_cast<uint8_t>(at - first));
+    }
+  }
+  result.push_back(record[0]);
   return result;
 }
 
