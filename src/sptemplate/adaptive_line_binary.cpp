@@ -23,11 +23,23 @@ void binarize_whole_windows(uint8_t* __restrict line, const uint32_t* __restrict
   for (int32_t i = 0; i < count; i++) line[i] = binarized(line[i], sums[i + kWindow] - sums[i], kWindow);
 }
 
-// Positions whose window is cut at an end of the line.
-void binarize_cut_windows(uint8_t* line, const uint32_t* sums, int32_t n, int32_t first, int32_t last) {
-  for (int32_t i = first; i < last; i++) {
-    const int32_t low = std::max(i - kReach, 0), high = std::min(i + kReach + 1, n);
-    line[i] = binarized(line[i], sums[high] - sums[low], static_cast<uint32_t>(high - low));
+// Positions whose window is cut at the beginning of the line, at its end, or at both.
+void binarize_cut_windows(uint8_t* __restrict line, const uint32_t* __restrict sums, int32_t n) {
+  if (n < kWindow) {
+    for (int32_t i = 0; i < n; i++) {
+      const int32_t low = std::max(i - kReach, 0), high = std::min(i + kReach + 1, n);
+      line[i] = binarized(line[i], sums[high] - sums[low], static_cast<uint32_t>(high - low));
+    }
+    return;
+  }
+  const uint32_t* const begin = sums + kReach + 1;
+  for (int32_t i = 0; i < kReach; i++) {
+    line[i] = binarized(line[i], begin[i] - sums[0], static_cast<uint32_t>(i + kReach + 1));
+  }
+  uint8_t* const last = line + (n - kReach);
+  const uint32_t* const end = sums + (n - 2 * kReach);
+  for (int32_t i = 0; i < kReach; i++) {
+    last[i] = binarized(last[i], sums[n] - end[i], static_cast<uint32_t>(2 * kReach - i));
   }
 }
 
@@ -41,9 +53,7 @@ uint32_t AdaptiveLineBinary(uint8_t* line, int32_t n) {
   GetGrayIntegralImage(line, integral.get(), n, 1, n);
   const uint32_t* const sums = integral.get() + entries;
 
-  const int32_t whole_from = std::min(kReach, n), whole_to = std::max(n - kReach, whole_from);
-  binarize_cut_windows(line, sums, n, 0, whole_from);
-  binarize_whole_windows(line + whole_from, sums, whole_to - whole_from);
-  binarize_cut_windows(line, sums, n, whole_to, n);
+  binarize_cut_windows(line, sums, n);
+  binarize_whole_windows(line + kReach, sums, n - 2 * kReach);
   return QUO_OK;
 }

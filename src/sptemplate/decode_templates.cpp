@@ -7,6 +7,7 @@
 namespace {
 
 constexpr uint32_t kLargestPayload = 1020;
+constexpr uint32_t kShortRun = 16;
 
 // A section takes as many coded bytes as decoded ones for its header and at most twice as many for its runs.
 static_assert(QUO_SP_MAX_READ ==
@@ -43,11 +44,21 @@ class SectionDecoder {
       const uint8_t value = coded_[0];
       const uint32_t count = coded_[1];
       if (count == 0 || count > room_) return false;
-      quo_memset(out_, value, count);
+      fill_run(value, count);
       advance(count);
       covered += count;
     }
     return true;
+  }
+
+  // Most runs are short. Where the record has room for sixteen bytes all are written: those after the run are overwritten
+  // by what follows, for a record is only handed out when it is full.
+  void fill_run(uint8_t value, uint32_t count) {
+    if (count <= kShortRun && room_ >= kShortRun) {
+      for (uint32_t i = 0; i < kShortRun; i++) out_[i] = value;
+    } else {
+      quo_memset(out_, value, count);
+    }
   }
 
   // Headers and runs are both two coded bytes.

@@ -1,31 +1,60 @@
 #include <algorithm>
+#include <bit>
 
+#include "frame/eight_bytes.h"
 #include "frame/scratch.h"
 #include "quoFPAlg.h"
 #include "sptemplate/profile_record.h"
 
 namespace {
 
-constexpr uint32_t kLongestRun = 255;  // a run's count is one byte; longer runs are split, the longest part first
+constexpr uint32_t kLongestRun = 255;  // a run's count is one byte; longer runs are split, the longest parts first
 constexpr uint32_t kTrailer = 1;       // bytes: the version again
 
-uint32_t run_length(const uint8_t* profile, uint32_t most) {
-  uint32_t length = 1;
-  while (length < most && profile[length] == profile[0]) length++;
-  return length;
+constexpr uint32_t kGroup = 64;  // positions whose run ends are found together
+
+// The lowest bits of eight bytes of 0 or 1, the first byte's lowest: byte k moves to bit 56 + k, and no two meet below.
+uint64_t gather_bits(const uint8_t* flags) {
+  uint64_t eight = quo::load_eight(flags);
+  if constexpr (std::endian::native == std::endian::big) eight = __builtin_bswap64(eight);
+  return eight * 0x0102040810204080 >> 56;
 }
 
-// Writes a coded section and returns its end.
+// A bit for each of at most 64 positions that differs from the one after it.
+uint64_t find_run_ends(const uint8_t* profile, uint32_t count) {
+  uint8_t ends[kGroup];
+  for (uint32_t i = 0; i < count; i++) ends[i] = profile[i] != profile[i + 1] ? 1 : 0;
+  for (uint32_t i = count; i < kGroup; i++) ends[i] = 0;
+  uint64_t bits = 0;
+  for (uint32_t i = 0; i < kGroup; i += 8) bits |= gather_bits(ends + i) << i;
+  return bits;
+}
+
+uint8_t* write_run(uint8_t value, uint32_t length, uint8_t* coded) {
+  for (; length > kLongestRun; length -= kLongestRun) {
+    *coded++ = value;
+    *coded++ = static_cast<uint8_t>(kLongestRun);
+  }
+  *coded++ = value;
+  *coded++ = static_cast<uint8_t>(length);
+  return coded;
+}
+
+// Writes a coded section of at least one position and returns its end.
 uint8_t* encode_section(const quo::Section& section, uint8_t* coded) {
   quo::write_u16(coded, section.length);
   coded += quo::kSectionHeader;
-  for (uint32_t i = 0; i < section.length;) {
-    const uint32_t run = run_length(section.profile + i, std::min(section.length - i, kLongestRun));
-    *coded++ = section.profile[i];
-    *coded++ = static_cast<uint8_t>(run);
-    i += run;
+  const uint32_t last = section.length - 1;
+  uint32_t begin = 0;  // of the run
+  for (uint32_t first = 0; first < last; first += kGroup) {
+    const uint8_t* const group = section.profile + first;
+    for (uint64_t ends = find_run_ends(group, std::min(kGroup, last - first)); ends != 0; ends &= ends - 1) {
+      const uint32_t end = first + static_cast<uint32_t>(std::countr_zero(ends)) + 1;
+      coded = write_run(section.profile[begin], end - begin, coded);
+      begin = end;
+    }
   }
-  return coded;
+  return write_run(section.profile[begin], section.length - begin, coded);
 }
 
 // Codes all sections and returns their end, null when the record is none: its sections do not fill it exactly, or one is

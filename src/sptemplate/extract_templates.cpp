@@ -40,8 +40,11 @@ uint32_t record_payload(int32_t width, int32_t height) {
 uint8_t* write_section(uint8_t* section, const Line& line) {
   quo::write_u16(section, line.length);
   uint8_t* const profile = section + quo::kSectionHeader;
-  const uint8_t* pixel = line.first;
-  for (uint32_t i = 0; i < line.length; i++, pixel += line.step) profile[i] = *pixel;
+  if (line.step == 1) {
+    quo_memcpy(profile, line.first, line.length);
+  } else {
+    for (uint32_t i = 0; i < line.length; i++) profile[i] = line.first[static_cast<ptrdiff_t>(i) * line.step];
+  }
   if (AdaptiveLineBinary(profile, static_cast<int32_t>(line.length)) != QUO_OK) return nullptr;
   return profile + line.length;
 }
