@@ -1,19 +1,20 @@
 #!/usr/bin/python3
 """Runs every block of a page, in one folder and in their order.
 
-Usage: run_blocks.py PAGE --quofp FILE --library FILE --cc CC [--write-pictures]
+Usage: run_blocks.py PAGE --quofp FILE --library FILE --cc CC [--renew]
 
   c        a program: compiled and run, exit code 0
   sh       a script, in which every command succeeds
-  console  commands after "$ " and what they print, to the letter; a line "..." stands for any lines
+  console  commands after "$ " and what they print, to the letter; a line "..." stands for any lines. Variables set by a
+           command of their own stay set
   python   run one after the other by one interpreter
 
 quofp diff and quofp defects may also end with 1, their verdict. Comments before a block say the rest:
   <!-- before: COMMAND -->    makes what the block takes for granted
   <!-- not run: REASON -->    the block is not run
   <!-- tested: WHERE -->      it is, by another test
-Pictures of the page in pictures/ are those that its blocks have made: --write-pictures puts them there, otherwise they are
-compared. Links lead to files.
+Pictures of the page in pictures/ are those that its blocks have made. --renew writes what is printed and drawn now into the
+page; otherwise they are compared. Links lead to files.
 """
 import argparse
 import os
@@ -40,14 +41,14 @@ def run(command, **options):
 class Page:
     def __init__(self, options, work):
         self.path, self.options, self.work = options.page, options, work
-        self.text = self.path.read_text()
+        self.text, self.variables = self.path.read_text(), ''
         path = f'{pathlib.Path(options.quofp).resolve().parent}:{os.environ["PATH"]}'
         self.environment = {**os.environ, 'PATH': path, 'LC_ALL': 'C', 'PYTHONPATH': str(ROOT / 'python'),
                             'QUOFP_LIBRARY': options.library}
         (work / 'samples').symlink_to(ROOT / 'samples')
 
     def shell(self, script):
-        return run(['bash', '-c', VERDICT + script], cwd=self.work, env=self.environment)
+        return run(['bash', '-c', VERDICT + self.variables + script + '\ntrue'], cwd=self.work, env=self.environment)
 
     def run_c(self, text):
         (self.work / 'block.c').write_text(text)
@@ -59,8 +60,14 @@ class Page:
     def run_console(self, text):
         for command, shown in re.findall(r'^\$ (.*\n)((?:(?!\$ ).*\n)*)', text, re.M):
             printed = self.shell(command)
+            if re.match(r'\w+=', command):
+                self.variables += command
             pattern = re.escape(shown).replace(re.escape('...\n'), '(?:.*\n)*')
-            if not re.fullmatch(pattern, printed):
+            if re.fullmatch(pattern, printed):
+                continue
+            if self.options.renew and '...\n' not in shown:
+                self.text = self.text.replace(f'\n$ {command}{shown}', f'\n$ {command}{printed}', 1)
+            else:
                 sys.exit(f'$ {command}prints\n{printed}the page says\n{shown}')
 
     def run_blocks(self):
@@ -93,14 +100,14 @@ class Page:
             made, kept = next(self.work.rglob(name), None), self.path.parent / 'pictures' / name
             if made is None:
                 sys.exit(f'pictures/{name}: no block makes it')
-            if self.options.write_pictures:
+            if self.options.renew:
                 shutil.copy(made, kept)
                 continue
             table = self.shell(f"quofp diff '{kept}' '{made}' --format csv 2>/dev/null").splitlines()
             figures = dict(zip(*(line.split(',') for line in table)))
             width, height = (int.from_bytes(made.read_bytes()[at:at + 4], 'big') for at in (16, 20))
             if int(figures.get('count') or width * height) > MOST_UNLIKE * width * height:
-                sys.exit(f'pictures/{name} is not what the page draws: renew it by scripts/doc-pictures')
+                sys.exit(f'pictures/{name} is not what the page draws: renew it by scripts/renew-pages')
 
 
 def main():
@@ -108,10 +115,12 @@ def main():
     parser.add_argument('page', type=lambda name: pathlib.Path(name).resolve())
     for name in ('--quofp', '--library', '--cc'):
         parser.add_argument(name, required=True)
-    parser.add_argument('--write-pictures', action='store_true')
+    parser.add_argument('--renew', action='store_true')
     with tempfile.TemporaryDirectory() as work:
         page = Page(parser.parse_args(), pathlib.Path(work))
         page.run_blocks()
+        if page.options.renew:
+            page.path.write_text(page.text)
         page.check_links()
         page.check_pictures()
 
