@@ -98,7 +98,10 @@ std::string command_page(const CLI::App& command, const Description& description
   out << ".SH SYNOPSIS\n.B quofp " << roff(description.name) << '\n';
   const auto operators = operators_of(command);
   out << (operators.empty() ? roff(synopsis_of(command)) : "OPERATOR [OPTIONS] ...") << '\n';
-  if (!description.details.empty()) out << ".SH DESCRIPTION\n" << roff(description.details) << '\n';
+  out << ".SH DESCRIPTION\n" << roff(description.summary) << ".\n";
+  if (!description.details.empty()) {
+    out << ".PP\n" << replaced(roff(description.details), "\nColumns:", "\n.PP\nColumns:") << '\n';
+  }
   // What every operator takes stands once, before them all.
   Options common = options_of(operators.empty() ? command : *operators.front());
   std::erase_if(common, [&](const CLI::Option* option) { return !is_common(*option, operators); });
@@ -121,7 +124,10 @@ std::string main_page(const CLI::App& app, const std::vector<Description>& comma
   print_heading(out, "quofp", "looks at frames of a fingerprint sensor");
   out << ".SH SYNOPSIS\n.B quofp\nCOMMAND [OPTIONS] ...\n.SH DESCRIPTION\n"
       << roff(app.get_description()) << "\nEvery command has a page of its own.\n.SH COMMANDS\n";
+  std::string group;
   for (const Description& command : commands) {
+    const std::string& own = app.get_subcommand(command.name)->get_group();
+    if (own != group) out << ".SS " << roff(group = own) << '\n';
     out << ".TP\n.BR quofp\\-" << roff(command.name) << " (1)\n" << roff(command.summary) << '\n';
   }
   out << ".SH OPTIONS\n";
