@@ -58,9 +58,10 @@ TEST_F(CommandLine, WritesManPagesAndCompletions) {
         "ask() { COMP_WORDS=(\"$@\"); COMP_CWORD=$(($# - 1)); COMPREPLY=(); _quofp 2>/dev/null; "
         "echo \"${COMPREPLY[*]}\"; }\n"
         "ask quofp qu; ask quofp quality --ski; ask quofp quality --scal; ask quofp op Medi; "
-        "ask quofp op AdaptiveThreshold --below; ask quofp info --format cs\n");
+        "ask quofp op AdaptiveThreshold --below; ask quofp info --format cs; "
+        "ask quofp sheet --stage bal; ask quofp sheet --sort-by qu\n");
   EXPECT_EQ(quofp_done("--version >/dev/null; bash ask >answers"), "");
-  EXPECT_EQ(read("answers"), "quality\n\n--scale-to-8bit\nMedianFilter\n--below-mean\ncsv\n");
+  EXPECT_EQ(read("answers"), "quality\n\n--scale-to-8bit\nMedianFilter\n--below-mean\ncsv\nbalance\nquality\n");
 }
 
 // The document names every column that there is.
