@@ -68,15 +68,10 @@ install(DIRECTORY examples/c/ DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libquofpa
   COMPONENT development EXCLUDE_FROM_ALL)
 
 if(QUO_BUILD_TOOLS)
-  set(overrides "")
-  if(NOT EXISTS ${PROJECT_SOURCE_DIR}/tools/man)
-    set(overrides "# quofp --help and quofp COMMAND --help are the manual." no-manual-page)
-  endif()
   quo_package(tool quofp SECTION graphics
     SUMMARY "command-line tool for frames of a fingerprint sensor"
     TEXT "It makes synthetic frames, cleans, measures and inspects real ones (PNG, PGM or"
-         "raw), and draws what the library libquoFPAlg sees in them."
-    OVERRIDES ${overrides})
+         "raw), and draws what the library libquoFPAlg sees in them.")
   set(CPACK_DEBIAN_TOOL_PACKAGE_SHLIBDEPS ON)
   set(CPACK_DEBIAN_TOOL_PACKAGE_DEPENDS "${runtime} ${same_version}")
 endif()

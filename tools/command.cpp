@@ -9,7 +9,7 @@ CLI::App& Commands::declare(const Description& description) {
   if (!description.details.empty()) footer += description.details + "\n\n";
   footer += "Examples:";
   for (const std::string& example : description.examples) footer += "\n  " + example;
-  command->footer(footer);
+  command->footer(footer)->group(group_);
   return *command;
 }
 

@@ -35,6 +35,12 @@ class Commands {
     command.callback([this, options, run] { chosen_ = [options, run] { return run(*options); }; });
   }
 
+  /** The group of the commands that are added next. */
+  Commands& in_group(const std::string& group) {
+    group_ = group;
+    return *this;
+  }
+
   bool has(const std::string& name) const {
     return std::any_of(descriptions_.begin(), descriptions_.end(),
                        [&name](const Description& description) { return description.name == name; });
@@ -49,6 +55,7 @@ class Commands {
   CLI::App& declare(const Description& description);
 
   CLI::App& app_;
+  std::string group_;
   std::vector<Description> descriptions_;
   std::function<Exit()> chosen_;
 };

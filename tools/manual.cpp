@@ -3,11 +3,14 @@
 #include <algorithm>
 #include <filesystem>
 #include <functional>
+#include <map>
+#include <set>
 #include <sstream>
 
 #include "failure.h"
 #include "frame_io.h"
 #include "inputs.h"
+#include "measures.h"
 #include "quoFPAlg.h"
 
 namespace quofp {
@@ -98,7 +101,10 @@ std::string command_page(const CLI::App& command, const Description& description
   out << ".SH SYNOPSIS\n.B quofp " << roff(description.name) << '\n';
   const auto operators = operators_of(command);
   out << (operators.empty() ? roff(synopsis_of(command)) : "OPERATOR [OPTIONS] ...") << '\n';
-  if (!description.details.empty()) out << ".SH DESCRIPTION\n" << roff(description.details) << '\n';
+  out << ".SH DESCRIPTION\n" << roff(description.summary) << ".\n";
+  if (!description.details.empty()) {
+    out << ".PP\n" << replaced(roff(description.details), "\nColumns:", "\n.PP\nColumns:") << '\n';
+  }
   // What every operator takes stands once, before them all.
   Options common = options_of(operators.empty() ? command : *operators.front());
   std::erase_if(common, [&](const CLI::Option* option) { return !is_common(*option, operators); });
@@ -121,7 +127,10 @@ std::string main_page(const CLI::App& app, const std::vector<Description>& comma
   print_heading(out, "quofp", "looks at frames of a fingerprint sensor");
   out << ".SH SYNOPSIS\n.B quofp\nCOMMAND [OPTIONS] ...\n.SH DESCRIPTION\n"
       << roff(app.get_description()) << "\nEvery command has a page of its own.\n.SH COMMANDS\n";
+  std::string group;
   for (const Description& command : commands) {
+    const std::string& own = app.get_subcommand(command.name)->get_group();
+    if (own != group) out << ".SS " << roff(group = own) << '\n';
     out << ".TP\n.BR quofp\\-" << roff(command.name) << " (1)\n" << roff(command.summary) << '\n';
   }
   out << ".SH OPTIONS\n";
@@ -142,12 +151,6 @@ std::string words_of(const CLI::App& command) {
   return words;
 }
 
-std::string names_of(const std::vector<Description>& commands) {
-  std::string names;
-  for (const Description& command : commands) names += (names.empty() ? "" : " ") + command.name;
-  return names;
-}
-
 /** Calls `line(command, operator or null)` for every command and every operator. */
 void for_each_command(const CLI::App& app, const std::vector<Description>& commands,
                       const std::function<void(const CLI::App&, const CLI::App*)>& line) {
@@ -156,6 +159,44 @@ void for_each_command(const CLI::App& app, const std::vector<Description>& comma
     line(command, nullptr);
     for (const CLI::App* const own : operators_of(command)) line(command, own);
   }
+}
+
+// The words that may follow an option; none where files or numbers do.
+std::string choices_of(const std::string& option) {
+  static const std::map<std::string, std::string> kChoices = {{"bits", "8 10 12 16"},
+                                                              {"borders", "all top bottom left right"},
+                                                              {"endian", "little big"},
+                                                              {"format", "table csv json"},
+                                                              {"stage", "borders stripes balance all"},
+                                                              {"pattern", "arch left-loop right-loop whorl twin-loop"}};
+  if (const auto known = kChoices.find(option); known != kChoices.end()) return known->second;
+  std::string names;
+  if (option == "sort-by") {
+    for (const Measure* const measure : all_measures()) {
+      for (const Column& column : measure->columns) {
+        if (is_figure(column.name)) names += (names.empty() ? "" : " ") + column.name;
+      }
+    }
+  }
+  return names;
+}
+
+std::set<std::string> options_with_choices(const CLI::App& app, const std::vector<Description>& commands) {
+  std::set<std::string> names;
+  for_each_command(app, commands, [&](const CLI::App& command, const CLI::App* own) {
+    for (const CLI::Option* const option : options_of(own != nullptr ? *own : command)) {
+      for (const std::string& name : option->get_lnames()) {
+        if (!choices_of(name).empty()) names.insert(name);
+      }
+    }
+  });
+  return names;
+}
+
+std::string names_of(const std::vector<Description>& commands) {
+  std::string names;
+  for (const Description& command : commands) names += (names.empty() ? "" : " ") + command.name;
+  return names;
 }
 
 std::string bash_completion(const CLI::App& app, const std::vector<Description>& commands) {
@@ -177,12 +218,13 @@ std::string bash_completion(const CLI::App& app, const std::vector<Description>&
     for (const CLI::App* const next : operators_of(command)) words += " " + next->get_name();
     general << "    '" << command.get_name() << " '*) words='" << words << "' ;;\n";
   });
-  out << general.str()
-      << "  esac\n"
+  out << general.str() << "  esac\n  case \"${COMP_WORDS[COMP_CWORD-1]}\" in\n";
+  for (const std::string& name : options_with_choices(app, commands)) {
+    out << "    --" << name << ") COMPREPLY=($(compgen -W '" << choices_of(name) << "' -- \"$current\")); return ;;\n";
+  }
+  out << "  esac\n"
          "  if [[ $current == -* || ${COMP_WORDS[1]} == op && $COMP_CWORD -eq 2 ]]; then\n"
          "    COMPREPLY=($(compgen -W \"$words\" -- \"$current\"))\n"
-         "  elif [[ ${COMP_WORDS[COMP_CWORD-1]} == --format ]]; then\n"
-         "    COMPREPLY=($(compgen -W 'table csv json' -- \"$current\"))\n"
          "  else\n"
          "    compopt -o filenames 2>/dev/null\n"
          "    COMPREPLY=($(compgen -f -- \"$current\"))\n"
@@ -198,6 +240,10 @@ std::string quoted(const std::string& text, const std::string& escape) {
 std::string zsh_completion(const CLI::App& app, const std::vector<Description>& commands) {
   const auto text = [](const std::string& words) {  // brackets and colons end parts of a specification
     return replaced(replaced(replaced(words, "[", "\\["), "]", "\\]"), ":", "\\:");
+  };
+  const auto values = [](const std::string& name) {
+    const std::string choices = choices_of(name);
+    return choices.empty() ? "_files" : "(" + choices + ")";
   };
   std::ostringstream out;
   out << "#compdef quofp\n_quofp() {\n  local -a commands=(\n";
@@ -217,7 +263,7 @@ std::string zsh_completion(const CLI::App& app, const std::vector<Description>& 
       for (const std::string& name : option->get_lnames()) {
         into << "      "
              << quoted("--" + name + "[" + text(option->get_description()) + "]" +
-                           (takes_value(*option) ? ":" + text(option->get_type_name()) + ":_files" : ""),
+                           (takes_value(*option) ? ":" + text(option->get_type_name()) + ":" + values(name) : ""),
                        "'\\''")
              << '\n';
       }
@@ -251,6 +297,8 @@ std::string fish_completion(const CLI::App& app, const std::vector<Description>&
       if (option->get_lnames().empty()) continue;
       out << "complete -c quofp -n '__fish_seen_subcommand_from " << name << "' -l " << option->get_lnames().front();
       for (const std::string& letter : option->get_snames()) out << " -s " << letter;
+      const std::string choices = choices_of(option->get_lnames().front());
+      if (!choices.empty()) out << " -x -a " << quoted(choices, "\\'");
       out << (takes_value(*option) ? " -r" : "") << " -d " << quoted(option->get_description(), "\\'") << '\n';
     }
   });

@@ -121,7 +121,7 @@ Canvas draw_defects(const Frame& frame, const Defects& defects, int zoom) {
     lines[i] = defects.columns[x] | defects.rows[y];
   }
   Canvas canvas(frame, zoom);
-  canvas.draw_marks(lines, frame.width, frame.height, 0, 0, zoom, colours::kBlue.with_opacity(0.6));
+  canvas.draw_marks(lines, frame.width, frame.height, 0, 0, zoom, colours::kBlue);
   canvas.draw_marks(pixel_marks(frame, defects), frame.width, frame.height, 0, 0, zoom, colours::kRed);
   return canvas;
 }

@@ -1,23 +1,13 @@
-"""The manual's examples and the worked example do run."""
+"""The worked example does run."""
 
 from __future__ import annotations
 
 import pathlib
-import re
 import subprocess
 import sys
-from typing import Any
 
 import numpy as np
 import pytest
-
-
-def test_blocks_of_the_manual_run(root: pathlib.Path) -> None:
-    blocks = re.findall(r"^```python\n(.*?)^```", (root / "docs/python.md").read_text(), re.M | re.S)
-    assert len(blocks) == 3
-    names: dict[str, Any] = {}
-    for block in blocks:
-        exec(block, names)
 
 
 def test_stages_are_drawn(root: pathlib.Path, tmp_path: pathlib.Path) -> None:

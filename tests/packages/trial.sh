@@ -28,6 +28,9 @@ echo "installed: $(echo $names)"
 [ "$(quofp --version | head -1)" = 'quofp 75' ]
 quofp synth -o /tmp/finger.png --seed 5 > /dev/null
 quofp quality /tmp/finger.png
+for command in guess op watch; do gzip -dc /usr/share/man/man1/quofp-$command.1.gz | grep -q "^.B quofp $command"; done
+completed=$(bash -c '. /usr/share/bash-completion/completions/quofp; COMP_WORDS=(quofp gue) COMP_CWORD=1; _quofp; echo $COMPREPLY')
+[ "$completed" = guess ]
 python3 -c 'import quofpalg, numpy; assert quofpalg.FP_ImageQuality(numpy.zeros((96, 96), numpy.uint8)).area == 100'
 
 examples=/usr/share/doc/libquofpalg-dev/examples

@@ -31,7 +31,8 @@ TEST_F(CommandLine, WritesManPagesAndCompletions) {
   quofp_done("--write-manual manual");
   const std::string help = quofp_done("--help");
   EXPECT_THAT(help, HasSubstr("Exit codes"));
-  std::istringstream lines(help.substr(help.find("Subcommands:")));
+  std::istringstream lines(
+      help.substr(help.find("Make and look"), help.find("Exit codes") - help.find("Make and look")));
   std::string commands;
   for (std::string line, name; std::getline(lines, line);) {
     if (line.rfind("  ", 0) != 0 || line[2] == ' ' || !(std::istringstream(line) >> name)) continue;
@@ -57,9 +58,10 @@ TEST_F(CommandLine, WritesManPagesAndCompletions) {
         "ask() { COMP_WORDS=(\"$@\"); COMP_CWORD=$(($# - 1)); COMPREPLY=(); _quofp 2>/dev/null; "
         "echo \"${COMPREPLY[*]}\"; }\n"
         "ask quofp qu; ask quofp quality --ski; ask quofp quality --scal; ask quofp op Medi; "
-        "ask quofp op AdaptiveThreshold --below; ask quofp info --format cs\n");
+        "ask quofp op AdaptiveThreshold --below; ask quofp info --format cs; "
+        "ask quofp sheet --stage bal; ask quofp sheet --sort-by qu\n");
   EXPECT_EQ(quofp_done("--version >/dev/null; bash ask >answers"), "");
-  EXPECT_EQ(read("answers"), "quality\n\n--scale-to-8bit\nMedianFilter\n--below-mean\ncsv\n");
+  EXPECT_EQ(read("answers"), "quality\n\n--scale-to-8bit\nMedianFilter\n--below-mean\ncsv\nbalance\nquality\n");
 }
 
 // The document names every column that there is.

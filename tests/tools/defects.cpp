@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
+#include <sstream>
 
 #include "quoFPAlg.h"
 #include "tools/tool.h"
@@ -22,18 +23,28 @@ TEST_F(Defects, CountsDecidesRepairsAndMarksAsTheLibraryDoes) {
   uint8_t *marks = nullptr, fail = 1;
   ASSERT_EQ(FP_GetBadPixelsNum(frame.data(), 131, 120, &pixels, &marks), QUO_OK);
   ASSERT_GT(pixels, 251U);
+  const auto marked = [marks](int lines, int step, int length, int stride) {  // the first line with marks all along
+    int line = 0, at = 0;
+    for (; line < lines && at < length; line += at < length) {
+      for (at = 0; at < length && marks[line * step + at * stride] != 0;) at++;
+    }
+    return line;
+  };
+  std::ostringstream places;
+  places << ',' << marked(131, 1, 120, 131) << ',' << marked(120, 131, 131, 1) << '\n';
   Image repaired = frame;
   FP_CheckBadPixelsNum(repaired.data(), 131, 120, 10000, &fail);
   ASSERT_NE(frame, repaired);
   const std::string figures = "frame.png,218,1,1,251," + std::to_string(pixels - 251);
-  const std::string heading = "file,background,bad_columns,bad_rows,line_pixels,bad_pixels,allowance,pass,repaired\n";
+  const std::string heading =
+      "file,background,bad_columns,bad_rows,line_pixels,bad_pixels,allowance,pass,repaired,columns_at,rows_at\n";
   EXPECT_EQ(quofp_done("defects frame.png --allowance 251 --repair repaired.png --mark marks.png --format csv"),
-            heading + figures + ",251,yes,repaired.png\n");
+            heading + figures + ",251,yes,repaired.png" + places.str());
   EXPECT_EQ(read_png("repaired.png"), repaired);
   expect_marks(read_png("marks.png"), frame, marks);
   tev_quo_free(marks);
   EXPECT_EQ(expect_exit(1, "defects frame.png --allowance 250 --repair no.png --format csv").out,
-            heading + figures + ",250,no,\n");
+            heading + figures + ",250,no," + places.str());
   EXPECT_FALSE(exists("no.png"));
 }
 

@@ -167,10 +167,10 @@ void add_batch(Commands& commands) {
                     "quofp batch lot/ -o lot.csv --resume      # after it was interrupted",
                     "sensor-dump | quofp batch - --size 160x160 --count 0 > dump.csv"},
        .details =
-           "One row a frame, in the order given; docs/columns.md describes the columns. A frame that cannot be read\n"
-           "or that the library refuses has its row too, with the reason in the column error, and the exit code is 1\n"
-           "or 3. Cells are empty where a frame is too small for a figure. Ctrl-C ends the run with the rows of all\n"
-           "frames begun, and exit code 130."},
+           "One row a frame, in the order given; columns.md of the documentation describes the columns. A frame that\n"
+           "cannot be read or that the library refuses has its row too, with the reason in the column error, and the\n"
+           "exit code is 1 or 3. Cells are empty where a frame is too small for a figure. Ctrl-C ends the run with\n"
+           "the rows of all frames begun, and exit code 130."},
       define, run);
 }
 

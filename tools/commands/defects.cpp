@@ -41,6 +41,15 @@ bool passes(Frame& frame, int32_t allowance) {
   return fail == 0;
 }
 
+// "23 45", nothing where no line is broken.
+Cell places(const uint8_t* broken, int32_t lines) {
+  std::string text;
+  for (int32_t i = 0; i < lines; i++) {
+    if (broken[i] != 0) text += (text.empty() ? "" : " ") + std::to_string(i);
+  }
+  return text.empty() ? Cell() : Cell(text);
+}
+
 std::optional<Outputs> outputs_of(const Options& options, const Output& output) {
   if (output.path.empty()) return std::nullopt;
   return Outputs(options.inputs, output);
@@ -60,7 +69,9 @@ Exit run(const Options& options) {
                {"bad_pixels"},
                {"allowance"},
                {"pass"},
-               {"repaired"}});
+               {"repaired"},
+               {"columns_at"},
+               {"rows_at"}});
   const Exit exit = for_each_frame(options.inputs, [&](Frame& frame) {
     const Defects defects = find_defects(frame);
     if (marks) draw_defects(frame, defects, fitting_zoom(frame.width, frame.height)).save(marks->path_for(frame.name));
@@ -68,7 +79,8 @@ Exit run(const Options& options) {
     std::optional<std::string> written;
     if (repaired && pass) write_frame(written.emplace(repaired->path_for(frame.name)), frame);
     table.add({frame.name, defects.background, defects.bad_columns, defects.bad_rows, defects.line_pixels,
-               defects.pixels - defects.line_pixels, options.allowance, pass, optional_cell(written)});
+               defects.pixels - defects.line_pixels, options.allowance, pass, optional_cell(written),
+               places(defects.columns.get(), frame.width), places(defects.rows.get(), frame.height)});
     return pass ? Exit::kDone : Exit::kRefused;
   });
   table.print(std::cout, options.format);
@@ -89,8 +101,9 @@ void add_defects(Commands& commands) {
            "background; bad_columns and bad_rows, their number; line_pixels, the pixels on them, one on both counted\n"
            "twice; bad_pixels, four for each dark pixel of a cluster in the half-size frame; pass, whether "
            "line_pixels\n"
-           "and bad_pixels each stay within the allowance; repaired, the file written. A dash stands where none was.\n"
-           "A frame that fails is not repaired. In the picture broken lines are blue, bad pixels orange."},
+           "and bad_pixels each stay within the allowance; repaired, the file written; columns_at and rows_at, which\n"
+           "lines are broken, from 0. A dash stands where there is none. A frame that fails is not repaired. In the\n"
+           "picture broken lines are blue, bad pixels orange."},
       define, run);
 }
 

@@ -114,6 +114,7 @@ Exit run(const Options& options) {
   const std::vector<uint8_t> bytes = read_file(options.file);
   if (is_png(bytes) || is_pgm(bytes)) throw file_failure(options.file, "no raw file: quofp info tells its size");
   const std::vector<SizeGuess> guesses = guess_sizes(bytes, static_cast<size_t>(options.most));
+  if (bytes.empty()) throw file_failure(options.file, "the file is empty");
   if (guesses.empty()) throw file_failure(options.file, "no width makes neighbouring rows alike");
   const bool sheet = std::filesystem::path(options.output).extension() == ".png";
   if (!options.output.empty() && !sheet) make_folder(options.output);

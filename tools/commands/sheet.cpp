@@ -34,8 +34,7 @@ void define(CLI::App& command, Options& options) {
       "--sort-by", options.sort_by, "orders the frames by a column of quofp batch, such as quality, the lowest first");
   sort->check(CLI::Validator(
                   [](const std::string& name) {
-                    return is_figure(name) ? std::string()
-                                           : "'" + name + "' is no column with numbers; see docs/columns.md";
+                    return is_figure(name) ? std::string() : "'" + name + "' is no column with numbers of quofp batch";
                   },
                   ""))
       ->type_name("NAME");

@@ -5,6 +5,7 @@
 
 #include "commands.h"
 #include "inputs.h"
+#include "ordered_workers.h"
 #include "synth/sensor.h"
 
 namespace quofp {
@@ -94,15 +95,37 @@ Frame make_frame(const Options& options, int32_t number) {
   return synth::capture(finger, sensor);
 }
 
-// All frames one after the other, as a sensor would dump them.
+// Makes all frames, several at a time, and hands them over in their order.
+void make_frames(const Options& options, const std::function<void(const Frame&)>& write) {
+  const size_t threads = std::max(1U, std::thread::hardware_concurrency());
+  OrderedWorkers<int32_t, Frame> workers(
+      threads, 2 * threads, [&](int32_t number) { return make_frame(options, number); }, write);
+  for (int32_t i = 0; i < options.count; i++) workers.give(i);
+  workers.finish();
+}
+
+// One after the other, as a sensor would dump them.
 void write_dump(const Options& options) {
   std::ofstream file(options.output, std::ios::binary);
-  for (int32_t i = 0; file && i < options.count; i++) {
-    const Frame frame = make_frame(options, i);
+  const auto check = [&] {
+    if (!file) throw file_failure(options.output, "cannot be written");
+  };
+  check();
+  make_frames(options, [&](const Frame& frame) {
     file.write(reinterpret_cast<const char*>(frame.data()), static_cast<std::streamsize>(frame.pixels.size()));
-  }
+    check();
+  });
   file.close();
-  if (!file) throw file_failure(options.output, "cannot be written");
+  check();
+}
+
+void write_folder(const Options& options) {
+  make_folder(options.output);
+  const std::filesystem::path folder = options.output;
+  uint64_t seed = options.finger.seed;
+  make_frames(options, [&](const Frame& frame) {
+    write_frame((folder / ("finger-" + std::to_string(seed++) + ".png")).string(), frame);
+  });
 }
 
 Exit run(const Options& options) {
@@ -111,12 +134,7 @@ Exit run(const Options& options) {
   } else if (is_raw_name(options.output)) {
     write_dump(options);
   } else {
-    make_folder(options.output);
-    const std::filesystem::path folder = options.output;
-    for (int32_t i = 0; i < options.count; i++) {
-      const uint64_t seed = options.finger.seed + static_cast<uint64_t>(i);
-      write_frame((folder / ("finger-" + std::to_string(seed) + ".png")).string(), make_frame(options, i));
-    }
+    write_folder(options);
   }
   return Exit::kDone;
 }

@@ -45,7 +45,7 @@ void add_template(Commands& commands) {
                          .summary = "Writes the Sp templates of frames",
                          .examples = {"quofp template frame.png -o frame.sp", "quofp template lot/*.png -o templates/",
                                       "quofp template dump.raw --size 160x160 -o dump.sp"},
-                         .details = "Templates are made of frames as they are. docs/sp-template-format.md describes\n"
+                         .details = "Templates are made of frames as they are. sp-template-format.md describes\n"
                                     "their bytes, quofp show draws them, quofp match compares them."},
                         define, run);
 }

@@ -155,7 +155,7 @@ constexpr int kMaxSheet = 2400;  // width of the overview, unless one picture is
 Canvas draw_overview(const Frame& frame, const std::deque<Picture>& pictures) {
   const int width = std::max(pictures.front().canvas.width(), kMinWidth), height = pictures.front().canvas.height();
   const auto count = static_cast<int>(pictures.size());
-  const int columns = std::clamp((kMaxSheet - kEdge) / (width + kEdge), 1, (count + 1) / 2);
+  const int columns = std::clamp((kMaxSheet - kEdge) / (width + kEdge), 1, std::min(count, 3));
   const int rows = (count + columns - 1) / columns;
   Canvas sheet(kEdge + columns * (width + kEdge), kTitle + kEdge + rows * (kHeading + height + kEdge),
                {0.96, 0.96, 0.97});

@@ -3,6 +3,7 @@
 // The folder is looked at over and over. The kernel could tell of new files, but not on network drives, and not when a
 // program that writes in pieces is done: a file counts as complete when it has not changed for a while, in any case.
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <ctime>
@@ -174,6 +175,7 @@ Exit run(const Options& options) {
   catch_interrupts();
   Watch watch(options);
   if (!options.once && !options.all) watch.ignore_present();
+  if (!options.once && isatty(STDERR_FILENO) != 0) note(options.folder, "watched for frames until Ctrl-C");
   while (!interrupted()) {
     const bool waiting = watch.step();
     if (options.once && !waiting) break;

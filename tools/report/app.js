@@ -44,12 +44,12 @@ filters.addEventListener('reset', () => {
   setTimeout(applyFilters);  // once the fields are empty
 });
 
-// The largest whole zoom that fits, so that a pixel is a square of screen pixels.
+// A whole zoom, so that a pixel is a square of screen pixels: three or more pictures side by side where there is room.
 let chosenZoom = 0;
 function setZoom(frame) {
   const room = document.documentElement.clientWidth;
   const wished = Math.max(340, room / 5.5);
-  const fitting = Math.max(1, Math.floor(Math.min(wished, room - 36) / frame.width));
+  const fitting = Math.max(1, Math.min(Math.round(wished / frame.width), Math.floor((room - 36) / frame.width)));
   detail.style.setProperty('--picture', `${(chosenZoom || fitting) * frame.width}px`);
   detail.style.setProperty('--shape', `${frame.width} / ${frame.height}`);
   return fitting;
@@ -74,7 +74,8 @@ function neighbour(frame, step, text) {
 function figureList(frame) {
   return el('dl', { class: 'figures' }, ...MEASURES.map((measure) => el('div', { title: measure.text },
     el('dt', {}, measure.label),
-    el('dd', {}, el('strong', {}, has(frame, measure.key) ? String(frame[measure.key]) : '–'), ` ${unitOf(measure, frame[measure.key])}`))));
+    el('dd', {}, el('strong', {}, has(frame, measure.key) ? String(frame[measure.key]) : '–'),
+      has(frame, measure.key) ? ` ${unitOf(measure, frame[measure.key])}` : ''))));
 }
 
 function openFrame(frame) {

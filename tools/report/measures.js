@@ -13,7 +13,7 @@ const MEASURES = [
   { key: 'defects', label: 'Defects', unit: 'pixels', decades: true, summary: true, table: true,
     text: 'Pixels on broken columns and rows, and those of dead clusters.' },
   { key: 'bubble_pixels', label: 'Bubbles', unit: 'pixels', decades: true, summary: true, table: true,
-    text: 'Bright blobs, at least four standard deviations of a typical block above the mean gray.' },
+    text: 'Bright blobs, the uncovered sensor among them: four standard deviations of a typical block above the mean gray.' },
   { key: 'mean', label: 'Finger gray', unit: 'level', scale: [0, 255], table: true,
     text: 'Mean gray of the blocks that are finger, from 0 (black) to 255 (white).' },
   { key: 'background', label: 'Background', unit: 'level', scale: [0, 255], table: true,

@@ -85,7 +85,7 @@ function makeSummary(frames, changed) {
     const histogram = new Histogram(measure, frames);
     histograms.push(histogram);
     limits[measure.key] = { low: null, high: null };
-    const input = (end, word) => el('label', {}, `${word} `, el('input', {
+    const input = (end, word) => el('label', {}, el('span', {}, word), el('input', {
       type: 'number', form: 'filters', min: 0, step: 'any', inputmode: 'decimal', 'data-limit': `${measure.key}-${end}`,
       'aria-label': `${measure.label}, ${word} ${measure.unit}`,
       input: (event) => {

@@ -82,17 +82,20 @@ Field make_field(Random& random, Pattern pattern, Point centre, int32_t period) 
 // A wave across the ridges under a round window, with no response to a flat field.
 class Filter {
  public:
-  Filter(int orientation, int32_t period) : radius_(period), side_(2 * period + 1) {
+  Filter(int orientation, int32_t period) : radius_(period), row_(padded(2 * period + 1)) {
     const auto along = static_cast<Angle>(orientation * (kTurn / 2) / kOrientations);
     for (int32_t v = -radius_; v <= radius_; v++) {
       for (int32_t u = -radius_; u <= radius_; u++) {
         weights_.push_back(static_cast<int16_t>(window(u, v) * wave(u, v, along, period) / 4096));
       }
+      weights_.resize(static_cast<size_t>((v + radius_ + 1) * row_));
     }
     remove_mean(along, period);
   }
 
-  int32_t radius() const { return radius_; }
+  // Rows of weights end with zeros, so that they are whole vectors: twice as fast.
+  static constexpr int32_t kVector = 8;
+  static int32_t padded(int32_t side) { return (side + kVector - 1) / kVector * kVector; }
 
   // 1.6 times the amplitude of the wave around the pixel.
   int32_t response(const int16_t* centre, int32_t stride) const {
@@ -100,8 +103,8 @@ class Filter {
     const int16_t* weight = weights_.data();
     for (int32_t v = -radius_; v <= radius_; v++) {
       const int16_t* const row = centre + static_cast<ptrdiff_t>(v) * stride - radius_;
-      for (int32_t u = 0; u < side_; u++) sum += weight[u] * row[u];
-      weight += side_;
+      for (int32_t u = 0; u < row_; u++) sum += weight[u] * row[u];
+      weight += row_;
     }
     return static_cast<int32_t>(int64_t{sum} * 8 / 5 * kUnit / matched_);
   }
@@ -134,15 +137,16 @@ class Filter {
     }
     for (int16_t& weight : weights_) weight = static_cast<int16_t>(weight == 0 ? 0 : weight - sum / inside);
     matched_ = 0;
-    for (int32_t v = -radius_, i = 0; v <= radius_; v++) {
-      for (int32_t u = -radius_; u <= radius_; u++, i++) {
-        matched_ += int64_t{weights_[static_cast<size_t>(i)]} * cosine(phase(u, v, along, period));
+    for (int32_t v = -radius_; v <= radius_; v++) {
+      const int16_t* const row = &weights_[static_cast<size_t>((v + radius_) * row_)];
+      for (int32_t u = -radius_; u <= radius_; u++) {
+        matched_ += int64_t{row[u + radius_]} * cosine(phase(u, v, along, period));
       }
     }
   }
 
   int32_t radius_;
-  int32_t side_;
+  int32_t row_;  // weights in memory
   std::vector<int16_t> weights_;
   int64_t matched_ = 1;  // response to the filter's own wave with amplitude kUnit
 };
@@ -156,7 +160,7 @@ struct Plane {
   Plane(int32_t width, int32_t height, int32_t border)
       : margin(border),
         stride(width + 2 * border),
-        levels(static_cast<size_t>(stride) * static_cast<size_t>(height + 2 * border)) {}
+        levels(static_cast<size_t>(stride) * static_cast<size_t>(height + 2 * border) + Filter::kVector) {}
 
   int16_t* at(int32_t x, int32_t y) {
     return &levels[static_cast<size_t>(y + margin) * static_cast<size_t>(stride) + static_cast<size_t>(x + margin)];
