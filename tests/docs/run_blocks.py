@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Runs every block of a page, in one folder and in their order.
 
-Usage: run_blocks.py PAGE --quofp FILE --library FILE --cc CC [--renew]
+Usage: run_blocks.py PAGE --quofp FILE --shared-object FILE --cc CC [--renew]
 
   c        a program: compiled and run, exit code 0
   sh       a script, in which every command succeeds
@@ -44,7 +44,7 @@ class Page:
         self.text, self.variables = self.path.read_text(), ''
         path = f'{pathlib.Path(options.quofp).resolve().parent}:{os.environ["PATH"]}'
         self.environment = {**os.environ, 'PATH': path, 'LC_ALL': 'C', 'PYTHONPATH': str(ROOT / 'python'),
-                            'QUOFP_LIBRARY': options.library}
+                            'QUOFP_LIBRARY': options.shared_object}
         (work / 'samples').symlink_to(ROOT / 'samples')
 
     def shell(self, script):
@@ -52,9 +52,9 @@ class Page:
 
     def run_c(self, text):
         (self.work / 'block.c').write_text(text)
-        library = self.options.library
-        run([self.options.cc, '-std=c11', '-Wall', '-Wextra', '-Werror', f'-I{ROOT}/include', 'block.c', library,
-             f'-Wl,-rpath,{pathlib.Path(library).parent}', '-o', 'program'], cwd=self.work)
+        shared = self.options.shared_object
+        run([self.options.cc, '-std=c11', '-Wall', '-Wextra', '-Werror', f'-I{ROOT}/include', 'block.c', shared,
+             f'-Wl,-rpath,{pathlib.Path(shared).parent}', '-o', 'program'], cwd=self.work)
         run(['./program'], cwd=self.work)
 
     def run_console(self, text):
@@ -113,7 +113,7 @@ class Page:
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument('page', type=lambda name: pathlib.Path(name).resolve())
-    for name in ('--quofp', '--library', '--cc'):
+    for name in ('--quofp', '--shared-object', '--cc'):
         parser.add_argument(name, required=True)
     parser.add_argument('--renew', action='store_true')
     with tempfile.TemporaryDirectory() as work:
