@@ -62,6 +62,7 @@ void RowFile::count_csv_rows(std::istream& in) {
       record += '\n';
       continue;
     }
+    if (record.empty()) throw file_failure(path_, "cannot be resumed: row " + std::to_string(rows_ + 1) + " is empty");
     end_ += record.size() + 1;
     rows_++;
     errors_ += record.back() != ',';
@@ -81,7 +82,7 @@ void RowFile::count_json_rows(std::istream& in) {
     if (!row.is_object()) break;
     const auto same = [](const auto& field, const Column& column) { return field.first == column.name; };
     const auto& fields = row.get_ref<const nlohmann::ordered_json::object_t&>();
-    if (!std::equal(fields.begin(), fields.end(), columns_.begin(), columns_.end(), same)) {
+    if (!std::equal(fields.begin(), fields.end(), columns_.begin(), columns_.end(), same) || !row.front().is_string()) {
       throw file_failure(path_, "cannot be resumed: it has other columns");
     }
     rows_++;
