@@ -1,8 +1,12 @@
-// Whole jobs of the library, and the same steps as the tests have them: pixel by pixel, every window anew.
+// Whole jobs of the library, and the same steps as the tests have them: pixel by pixel, every window anew. Also the
+// primitives and what the standard library has in their place.
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+#include <cstring>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "quoFPAlg.h"
 #include "reference/defect.h"
@@ -149,12 +153,44 @@ void add_template_jobs() {
       });
 }
 
+// Beside the standard library's own: over the bytes of a frame, and over 400 values in any order and sorted.
+void add_primitives() {
+  const auto copy = [](auto function) {
+    return [function](const Image& frame) {
+      return [&frame, function, to = frame.pixels]() mutable { function(to.data(), frame.data(), to.size()); };
+    };
+  };
+  add_pair("quo_memcpy",
+           copy([](uint8_t* to, const uint8_t* from, size_t n) { quo_memcpy(to, from, static_cast<uint32_t>(n)); }),
+           copy([](uint8_t* to, const uint8_t* from, size_t n) { std::memcpy(to, from, n); }));
+  add_pair("quo_memset",
+           copy([](uint8_t* to, const uint8_t*, size_t n) { quo_memset(to, 7, static_cast<uint32_t>(n)); }),
+           copy([](uint8_t* to, const uint8_t*, size_t n) { std::memset(to, 7, n); }));
+  const auto sort = [](bool sorted, auto function) {
+    return [=](const Image&) {
+      quo_test::Random random(2);
+      std::vector<double> values(400);
+      for (double& value : values) value = random.between(0, 1000000) * 0.01;
+      if (sorted) std::sort(values.begin(), values.end());
+      return [=, work = values]() mutable {
+        std::copy(values.begin(), values.end(), work.begin());
+        function(work);
+      };
+    };
+  };
+  const auto own = [](std::vector<double>& values) { quo_short(values.data(), static_cast<int32_t>(values.size())); };
+  const auto standard = [](std::vector<double>& values) { std::sort(values.begin(), values.end()); };
+  add_pair("quo_short/random", sort(false, own), sort(false, standard));
+  add_pair("quo_short/sorted", sort(true, own), sort(true, standard));
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   add_frame_jobs();
   add_signal_jobs();
   add_template_jobs();
+  add_primitives();
   benchmark::Initialize(&argc, argv);
   benchmark::RunSpecifiedBenchmarks();
   return 0;
