@@ -41,6 +41,33 @@ void store_sum(const uint32_t* above, Sums4 run, uint32_t* sums) {
   __builtin_memcpy(sums, &sum, sizeof sum);
 }
 
+// Four numbers as 32 bits each.
+Sums4 load_four(const uint32_t* from) { return load(from); }
+
+Sums4 load_four(const uint16_t* from) {
+  uint64_t four;
+  __builtin_memcpy(&four, from, sizeof four);
+  using Halves = uint64_t __attribute__((vector_size(16)));
+  return reinterpret_cast<Sums4>(
+      __builtin_shufflevector(reinterpret_cast<Words8>(Halves{four, 0}), Words8{}, 0, 8, 1, 9, 2, 10, 3, 11));
+}
+
+template <typename Number>
+void add_up_numbers(const Number* __restrict values, uint32_t* __restrict sums, int32_t count) {
+  const Sums4 zero{};
+  Sums4 before{};
+  int32_t x = 0;
+  for (; x <= count - 4; x += 4) {
+    Sums4 run = load_four(values + x);
+    run += __builtin_shufflevector(zero, run, 0, 4, 5, 6);
+    run += __builtin_shufflevector(zero, run, 0, 0, 4, 5);
+    run += before;
+    __builtin_memcpy(sums + x, &run, sizeof run);
+    before = __builtin_shufflevector(run, run, 3, 3, 3, 3);
+  }
+  for (uint32_t run = before[0]; x < count; x++) sums[x] = run += values[x];
+}
+
 }  // namespace
 
 uint32_t quo::add_running_sums(const uint8_t* __restrict source, const uint32_t* __restrict above,
@@ -52,7 +79,8 @@ uint32_t quo::add_running_sums(const uint8_t* __restrict source, const uint32_t*
   for (; x <= width - kStep; x += kStep) {
     const Words8 part = running_sums(source + x);
     const Sums4 low = reinterpret_cast<Sums4>(__builtin_shufflevector(part, zero, 0, 8, 1, 9, 2, 10, 3, 11)) + before;
-    const Sums4 high = reinterpret_cast<Sums4>(__builtin_shufflevector(part, zero, 4, 12, 5, 13, 6, 14, 7, 15)) + before;
+    const Sums4 high =
+        reinterpret_cast<Sums4>(__builtin_shufflevector(part, zero, 4, 12, 5, 13, 6, 14, 7, 15)) + before;
     store_sum(above + x, low, sums + x);
     store_sum(above + x + 4, high, sums + x + 4);
     before = __builtin_shufflevector(high, high, 3, 3, 3, 3);
@@ -66,18 +94,11 @@ uint32_t quo::add_running_sums(const uint8_t* __restrict source, const uint32_t*
 }
 
 void quo::add_up(const uint32_t* __restrict values, uint32_t* __restrict sums, int32_t count) {
-  const Sums4 zero{};
-  Sums4 before{};
-  int32_t x = 0;
-  for (; x <= count - 4; x += 4) {
-    Sums4 run = load(values + x);
-    run += __builtin_shufflevector(zero, run, 0, 4, 5, 6);
-    run += __builtin_shufflevector(zero, run, 0, 0, 4, 5);
-    run += before;
-    __builtin_memcpy(sums + x, &run, sizeof run);
-    before = __builtin_shufflevector(run, run, 3, 3, 3, 3);
-  }
-  for (uint32_t run = before[0]; x < count; x++) sums[x] = run += values[x];
+  add_up_numbers(values, sums, count);
+}
+
+void quo::add_up(const uint16_t* __restrict values, uint32_t* __restrict sums, int32_t count) {
+  add_up_numbers(values, sums, count);
 }
 
 void GetGrayIntegralImage(const uint8_t* source, uint32_t* integral, int32_t width, int32_t height, int32_t stride) {
