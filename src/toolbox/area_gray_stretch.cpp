@@ -96,8 +96,8 @@ QUO_MULTIVERSION void settle_by_sums(const uint8_t* __restrict pixels, const uin
     const auto below = static_cast<uint8_t>(pixels[i] - lo[i]), above = static_cast<uint8_t>(end[i] - pixels[i]);
     const auto kept = static_cast<uint8_t>((pixels[i] == 0) | (pixels[i] == kWhite));
     const auto known = static_cast<uint8_t>((below == 0) | (above == 1) | ((below == 1) & (above == 2)));
-    const uint8_t flat = known | settled[i] ? kFlat : kOpen;
-    settled[i] = static_cast<uint8_t>(kept ? kFlat : flat + settled[i]);
+    const uint8_t flat = (known | settled[i]) != 0 ? kFlat : kOpen;
+    settled[i] = static_cast<uint8_t>(kept != 0 ? kFlat : flat + settled[i]);
   }
 }
 
@@ -113,7 +113,7 @@ QUO_MULTIVERSION uint32_t settle_by_distances(const uint8_t* __restrict pixels, 
   }
   uint32_t number = 0;
   for (int32_t i = 0; i < count; i++) {
-    const auto open = static_cast<uint8_t>((pixels[i] == value) & (settled[i] == kOpen) ? 255 : 0);
+    const auto open = static_cast<uint8_t>(((pixels[i] == value) & (settled[i] == kOpen)) ? 255 : 0);
     settled[i] = static_cast<uint8_t>(settled[i] | ((far[i] + kFlat) & open));
     number += open & 1U;
   }
