@@ -46,33 +46,23 @@ Window window_around(const GrayFrame& frame, const Half& half, int32_t x, int32_
           std::max(y - half.height, 0), y + std::min(half.height, frame.height - 1 - y)};
 }
 
-// Stands in for a row that there is none of.
-constexpr uint8_t kBlackRow[kColumns] = {};
-
-QUO_MULTIVERSION void slide_values(const uint8_t* __restrict entering, const uint8_t* __restrict leaving,
+// Returns whether the row that enters has background.
+QUO_MULTIVERSION bool slide_values(const uint8_t* __restrict entering, const uint8_t* __restrict leaving,
                                    uint32_t* __restrict values, int32_t count) {
+  uint8_t brightest = 0;
   for (int32_t i = 0; i < count; i++) {
     const uint8_t in = entering[i] != kWhite ? entering[i] : 0, out = leaving[i] != kWhite ? leaving[i] : 0;
     values[i] += static_cast<uint32_t>(static_cast<int16_t>(in - out));
+    brightest = std::max(brightest, entering[i]);
   }
+  return brightest == kWhite;
 }
 
-QUO_MULTIVERSION void slide_white(const uint8_t* __restrict entering, const uint8_t* __restrict leaving,
-                                  uint16_t* __restrict white, int32_t count) {
+QUO_MULTIVERSION void slide_numbers(const uint8_t* __restrict entering, const uint8_t* __restrict leaving,
+                                    uint16_t* __restrict numbers, int32_t count) {
   for (int32_t i = 0; i < count; i++) {
-    white[i] = static_cast<uint16_t>(white[i] + (entering[i] == kWhite ? 1 : 0) - (leaving[i] == kWhite ? 1 : 0));
+    numbers[i] = static_cast<uint16_t>(numbers[i] + (entering[i] != kWhite ? 1 : 0) - (leaving[i] != kWhite ? 1 : 0));
   }
-}
-
-bool has_white(const uint8_t* pixels, int32_t count) {
-  int32_t i = 0;
-  for (; i <= count - 8; i += 8) {
-    if (quo::has_zero_byte(~quo::load_eight(pixels + i))) return true;
-  }
-  for (; i < count; i++) {
-    if (pixels[i] == kWhite) return true;
-  }
-  return false;
 }
 
 // What is known of a pixel.
@@ -161,7 +151,7 @@ class Strip {
         inside_count_(at_most(columns_, int64_t{frame.width} - left + half.width) - inside_),
         enough_(2 + columns_ / (40 * (1 + half.width / 8))),
         area_((int64_t{2} * half.width + 1) * (int64_t{2} * half.height + 1)) {
-    for (int32_t i = 0; i < columns_; i++) values_[i] = white_[i] = 0;
+    for (int32_t i = 0; i < columns_; i++) values_[i] = taken_[i] = 0;
     for (uint8_t& settled : settled_) settled = kFlat;
     for (int32_t y = 0; y < std::min(half_.height, frame_.height); y++) move(y, -1);
   }
@@ -202,11 +192,13 @@ class Strip {
   // Takes rows into the sums and out of them, as far as there are any.
   void move(int64_t entering, int32_t leaving) {
     const bool enters = entering < frame_.height;
-    const uint8_t* const in = enters ? inside_row(static_cast<int32_t>(entering)) : kBlackRow;
-    const uint8_t* const out = leaving >= 0 ? inside_row(leaving) : kBlackRow;
-    slide_values(in, out, values_ + inside_, inside_count_);
-    if (enters && has_white(in, inside_count_)) last_white_ = static_cast<int32_t>(entering);
-    if (last_white_ >= std::max(leaving, 0)) slide_white(in, out, white_ + inside_, inside_count_);
+    const uint8_t* const in = enters ? inside_row(static_cast<int32_t>(entering)) : quo::kWhiteRow.pixels;
+    const uint8_t* const out = leaving >= 0 ? inside_row(leaving) : quo::kWhiteRow.pixels;
+    const bool white = slide_values(in, out, values_ + inside_, inside_count_);
+    if (enters && white) last_white_ = static_cast<int32_t>(entering);
+    if (enters && leaving >= 0 && last_white_ < leaving) return;  // as many pixels as before
+    slide_numbers(in, out, taken_ + inside_, inside_count_);
+    counted_ = false;
   }
 
   // Of the windows around a row's pixels.
@@ -224,7 +216,7 @@ class Strip {
 
   void settle(int32_t y, const Extremes& windows) {
     const uint8_t* const pixels = pixel_row(y);
-    count_pixels(y);
+    count_pixels();
     if (area_ <= kMostPixels) {
       add_up_columns(values_ + inside_);
       compare_sums(pixels, numbers_, running_, last(), settled_, count_);
@@ -251,22 +243,13 @@ class Strip {
     for (int32_t i = inside_end + 1; i <= columns_; i++) running_[i] = running_[inside_end];
   }
 
-  // Of the windows around row y, without background.
-  void count_pixels(int32_t y) {
-    const Window window = window_of(0, y);
-    const int32_t rows = window.bottom - window.top + 1;
-    const bool white = last_white_ >= window.top;
-    if (rows == counted_rows_ && !white) return;
-    counted_rows_ = white ? 0 : rows;
-    for (int32_t i = 0; i < count_; i++) numbers_[i] = static_cast<float>(rows * columns_of(i));
-    if (!white) return;
-    add_up_columns(white_ + inside_);
-    for (int32_t i = 0; i < count_; i++) numbers_[i] -= static_cast<float>(last()[i] - running_[i]);
-  }
-
-  // Columns of the image in the window of pixel i.
-  int32_t columns_of(int32_t i) const {
-    return std::min(i + 2 * half_.width + 1, inside_ + inside_count_) - std::max(i, inside_);
+  void count_pixels() {
+    if (counted_) return;
+    add_up_columns(taken_ + inside_);
+    for (int32_t i = 0; i < count_; i++) {
+      numbers_[i] = static_cast<float>(static_cast<int32_t>(last()[i] - running_[i]));
+    }
+    counted_ = true;
   }
 
   // Lists the pixels that are open. Returns their number.
@@ -340,11 +323,11 @@ class Strip {
   int32_t enough_;             // pixels that make a value common: found by measuring, where both ways take as long
   int64_t area_;               // of a window
   int32_t last_white_ = -1;    // row that entered and has background
-  int32_t counted_rows_ = 0;   // rows of the windows whose pixels are counted, if these have no background
+  bool counted_ = false;       // the pixels of the windows
   uint32_t values_[kColumns];  // sums over the rows of the windows
-  uint16_t white_[kColumns];   // numbers of pixels of background
+  uint16_t taken_[kColumns];   // numbers of these pixels, without background
   uint32_t running_[kColumns + 1];
-  float numbers_[kColumns];  // of pixels in the windows
+  float numbers_[kColumns];  // of pixels in the windows, without background
   uint8_t lo_[2][kColumns];
   uint8_t end_[2][kColumns];
   const Extremes extremes_[2] = {{lo_[0], end_[0]}, {lo_[1], end_[1]}};

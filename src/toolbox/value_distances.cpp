@@ -12,16 +12,6 @@ using quo::kWhite;
 
 constexpr int32_t kStep = 16;  // pixels of a window whose distances are added up at once
 
-// Stands in for a row that there is none of: background has no distance.
-struct WhiteRow {
-  uint8_t pixels[kStripColumns];
-
-  constexpr WhiteRow() : pixels() {
-    for (uint8_t& pixel : pixels) pixel = kWhite;
-  }
-};
-constexpr WhiteRow kWhiteRow;
-
 // A distance as max - a + max - b stays in bytes; GCC 12 takes max - min apart into selections between 16-bit sums.
 void find_distances(const uint8_t* __restrict pixels, uint8_t value, uint8_t* __restrict distances, int32_t count) {
   for (int32_t i = 0; i < count; i++) {
@@ -77,12 +67,12 @@ uint32_t distances(const uint8_t* pixels, int32_t count, uint8_t value) {
 
 void quo::ValueDistances::move_to(int32_t y, const Columns& columns, int32_t half_height) {
   const auto row = [&](int64_t j) {
-    return j >= 0 && j < columns.rows ? columns.row(static_cast<int32_t>(j)) : kWhiteRow.pixels;
+    return j >= 0 && j < columns.rows ? columns.row(static_cast<int32_t>(j)) : quo::kWhiteRow.pixels;
   };
   if (row_ == kNone || y - row_ > half_height) {
     for (int32_t i = 0; i < columns.count; i++) sums_[i] = 0;
     for (int64_t j = int64_t{y} - half_height; j <= int64_t{y} + half_height; j++) {
-      slide(row(j), kWhiteRow.pixels, value_, sums_, columns.count);
+      slide(row(j), quo::kWhiteRow.pixels, value_, sums_, columns.count);
     }
   } else {
     for (int64_t j = int64_t{row_} + 1; j <= y; j++) {

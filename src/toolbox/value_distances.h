@@ -11,6 +11,16 @@ namespace quo {
 /** Columns looked at together: those of a strip of pixels and, on either side, those that their windows reach. */
 inline constexpr int32_t kStripColumns = 416;
 
+/** Stands in for a row of a strip that there is none of: background counts nowhere. */
+struct WhiteRow {
+  uint8_t pixels[kStripColumns];
+
+  constexpr WhiteRow() : pixels() {
+    for (uint8_t& pixel : pixels) pixel = kWhite;
+  }
+};
+inline constexpr WhiteRow kWhiteRow;
+
 /** Columns and rows of a window on each side of its pixel. */
 struct Half {
   int32_t width;
