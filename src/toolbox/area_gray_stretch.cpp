@@ -30,8 +30,8 @@ constexpr int32_t kWidestHalf = 128;  // of a window in a strip; larger windows 
 constexpr int32_t kTallestHalf = 32639;
 constexpr int32_t kVector = 32;  // pixels of a vector, of which strips have whole numbers where they can
 
-// Sums over windows of at most so many pixels are below 2^24, and so exact in single precision.
-constexpr int64_t kMostPixels = (1 << 24) / 254;
+// Sums over windows of at most so many pixels, and two distances more, are below 2^24 and so exact in single precision.
+constexpr int64_t kMostPixels = (1 << 24) / 254 - 2;
 static_assert(int64_t{ValueDistances::kMostRows} * (2 * kWidestHalf + 1) <= kMostPixels);
 
 // Numbers of pixels are exact there too, and distances and limits, at most 255 for each pixel, fit in 32 bits.
@@ -68,13 +68,19 @@ QUO_MULTIVERSION void slide_numbers(const uint8_t* __restrict entering, const ui
 // What is known of a pixel.
 enum Settled : uint8_t { kOpen, kFlat, kTextured };
 
-// Whether |s - nv| > n. All are whole numbers below 2^24: n v <= 254 n, and s <= 254 n.
-QUO_MULTIVERSION void compare_sums(const uint8_t* __restrict pixels, const float* __restrict numbers,
-                                   const uint32_t* __restrict before, const uint32_t* __restrict last,
-                                   uint8_t* __restrict far, int32_t count) {
+// Whether |s - nv| and twice the distance of v from the nearer extreme exceed n. With distances of P in all upwards and N
+// downwards, s - nv = P - N; and P + N is |P - N| and twice the smaller of both, which is no less than the distance of
+// the extreme on its side. All are whole numbers below 2^24: n v <= 254 n, and s <= 254 n.
+QUO_MULTIVERSION void compare_sums(const uint8_t* __restrict pixels, const Extremes& windows,
+                                   const float* __restrict numbers, const uint32_t* __restrict before,
+                                   const uint32_t* __restrict last, uint8_t* __restrict far, int32_t count) {
+  const uint8_t* const lo = windows.lo;
+  const uint8_t* const end = windows.end;
   for (int32_t i = 0; i < count; i++) {
+    const auto below = static_cast<uint8_t>(pixels[i] - lo[i]), above = static_cast<uint8_t>(end[i] - 1 - pixels[i]);
+    const auto side = static_cast<float>(std::min(below, above));
     const auto sum = static_cast<float>(static_cast<int32_t>(last[i] - before[i]));
-    const float distances = std::fabs(sum - numbers[i] * static_cast<float>(pixels[i]));
+    const float distances = std::fabs(sum - numbers[i] * static_cast<float>(pixels[i])) + (side + side);
     far[i] = static_cast<uint8_t>(static_cast<int32_t>(distances > numbers[i]));
   }
 }
@@ -203,15 +209,25 @@ class Strip {
 
   // Of the windows around a row's pixels.
   const Extremes& find_extremes(int32_t y) {
-    const Extremes columns{lo_[0], end_[0]};
-    for (int32_t i = 0; i < inside_; i++) columns.lo[i] = 255;
-    for (int32_t i = 0; i < inside_; i++) columns.end[i] = 0;
-    for (int32_t i = inside_ + inside_count_; i < columns_; i++) columns.lo[i] = 255;
-    for (int32_t i = inside_ + inside_count_; i < columns_; i++) columns.end[i] = 0;
-    const Window window = window_of(0, y);
-    quo::find_column_extremes(inside_row(window.top), frame_.width, window.bottom - window.top + 1, inside_count_,
-                              {columns.lo + inside_, columns.end + inside_});
-    return quo::join_column_extremes(extremes_[0], extremes_[1], columns_, 2 * half_.width + 1);
+    if (y % 2 == 0) find_column_extremes(y);
+    return quo::join_column_extremes(extremes_[y % 2], extremes_[2], columns_, 2 * half_.width + 1);
+  }
+
+  // Of row y and the one below it, in whose windows nearly the same rows are.
+  void find_column_extremes(int32_t y) {
+    const Window upper = window_of(0, y), lower = window_of(0, std::min(y + 1, frame_.height - 1));
+    const uint8_t* const above = lower.top > upper.top ? inside_row(upper.top) : quo::kWhiteRow.pixels;
+    const uint8_t* const below = lower.bottom > upper.bottom ? inside_row(lower.bottom) : quo::kWhiteRow.pixels;
+    const quo::SharedRows rows{above, inside_row(lower.top), below, frame_.width, upper.bottom - lower.top + 1};
+    const int32_t inside_end = inside_ + inside_count_;
+    for (const Extremes& found : {extremes_[0], extremes_[1]}) {
+      for (int32_t i = 0; i < inside_; i++) found.lo[i] = 255;
+      for (int32_t i = 0; i < inside_; i++) found.end[i] = 0;
+      for (int32_t i = inside_end; i < columns_; i++) found.lo[i] = 255;
+      for (int32_t i = inside_end; i < columns_; i++) found.end[i] = 0;
+    }
+    quo::find_column_extremes(rows, inside_count_, {lo_[0] + inside_, end_[0] + inside_},
+                              {lo_[1] + inside_, end_[1] + inside_});
   }
 
   void settle(int32_t y, const Extremes& windows) {
@@ -219,7 +235,7 @@ class Strip {
     count_pixels();
     if (area_ <= kMostPixels) {
       add_up_columns(values_ + inside_);
-      compare_sums(pixels, numbers_, running_, last(), settled_, count_);
+      compare_sums(pixels, windows, numbers_, running_, last(), settled_, count_);
       settle_by_sums(pixels, windows.lo, windows.end, settled_, count_);
     } else {
       for (int32_t i = 0; i < count_; i++) settled_[i] = pixels[i] == 0 || pixels[i] == kWhite ? kFlat : kOpen;
@@ -328,9 +344,9 @@ class Strip {
   uint16_t taken_[kColumns];   // numbers of these pixels, without background
   uint32_t running_[kColumns + 1];
   float numbers_[kColumns];  // of pixels in the windows, without background
-  uint8_t lo_[2][kColumns];
-  uint8_t end_[2][kColumns];
-  const Extremes extremes_[2] = {{lo_[0], end_[0]}, {lo_[1], end_[1]}};
+  uint8_t lo_[3][kColumns];  // in the columns of an even row's windows and the next row's, and a spare
+  uint8_t end_[3][kColumns];
+  const Extremes extremes_[3] = {{lo_[0], end_[0]}, {lo_[1], end_[1]}, {lo_[2], end_[2]}};
   uint8_t settled_[kColumns];
   ValueDistances distances_[kMostCommon];
 };

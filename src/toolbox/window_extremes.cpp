@@ -7,6 +7,7 @@
 namespace {
 
 using quo::Extremes;
+using quo::SharedRows;
 
 constexpr int32_t kTile = 64;  // columns whose extremes stay in registers from row to row
 
@@ -18,18 +19,34 @@ inline void widen(const uint8_t* __restrict pixels, uint8_t* __restrict lo, uint
   }
 }
 
-inline void find_in_tile(const uint8_t* pixels, ptrdiff_t stride, int32_t rows, uint8_t* __restrict lo,
-                         uint8_t* __restrict end, int32_t count) {
-  uint8_t tile_lo[kTile], tile_end[kTile];
+// Of each column and a row more.
+inline void widen_into(const uint8_t* __restrict pixels, const uint8_t* __restrict lo, const uint8_t* __restrict end,
+                       uint8_t* __restrict wider_lo, uint8_t* __restrict wider_end, int32_t count) {
   for (int32_t i = 0; i < count; i++) {
-    tile_lo[i] = 255;
-    tile_end[i] = 0;
+    wider_lo[i] = std::min(lo[i], pixels[i]);
+    wider_end[i] = std::max(end[i], static_cast<uint8_t>(pixels[i] + 1));
   }
-  for (int32_t j = 0; j < rows; j++) widen(pixels + j * stride, tile_lo, tile_end, count);
+}
+
+inline void find_in_tile(const SharedRows& rows, const Extremes& upper, const Extremes& lower, int32_t x,
+                         int32_t count) {
+  uint8_t lo[kTile], end[kTile];
   for (int32_t i = 0; i < count; i++) {
-    lo[i] = tile_lo[i];
-    end[i] = tile_end[i];
+    lo[i] = 255;
+    end[i] = 0;
   }
+  for (int32_t j = 0; j < rows.rows; j++) widen(rows.shared + x + j * rows.stride, lo, end, count);
+  widen_into(rows.above + x, lo, end, upper.lo + x, upper.end + x, count);
+  widen_into(rows.below + x, lo, end, lower.lo + x, lower.end + x, count);
+}
+
+QUO_MULTIVERSION void find_in_tiles(const SharedRows& rows, int32_t count, const Extremes& upper,
+                                    const Extremes& lower) {
+  int32_t x = 0;
+  for (; x <= count - kTile; x += kTile) find_in_tile(rows, upper, lower, x, kTile);
+  if (x == count) return;
+  if (count < kTile) return find_in_tile(rows, upper, lower, 0, count);
+  find_in_tile(rows, upper, lower, count - kTile, kTile);  // overlaps the one before it
 }
 
 // Of each column and the one `step` further.
@@ -43,14 +60,8 @@ QUO_MULTIVERSION void join(const uint8_t* __restrict lo, const uint8_t* __restri
 
 }  // namespace
 
-QUO_MULTIVERSION void quo::find_column_extremes(const uint8_t* pixels, ptrdiff_t stride, int32_t rows, int32_t count,
-                                                const Extremes& found) {
-  int32_t x = 0;
-  for (; x <= count - kTile; x += kTile) find_in_tile(pixels + x, stride, rows, found.lo + x, found.end + x, kTile);
-  if (x == count) return;
-  if (count < kTile) return find_in_tile(pixels, stride, rows, found.lo, found.end, count);
-  x = count - kTile;  // the last tile overlaps the one before it
-  find_in_tile(pixels + x, stride, rows, found.lo + x, found.end + x, kTile);
+void quo::find_column_extremes(const SharedRows& rows, int32_t count, const Extremes& upper, const Extremes& lower) {
+  find_in_tiles(rows, count, upper, lower);
 }
 
 // Of 2, 4, 8 ... columns side by side.

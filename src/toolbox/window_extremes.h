@@ -12,8 +12,18 @@ struct Extremes {
   uint8_t* end;
 };
 
-/** Of each of `count` columns, over so many rows of pixels, `stride` apart. */
-void find_column_extremes(const uint8_t* pixels, ptrdiff_t stride, int32_t rows, int32_t count, const Extremes& found);
+/** Rows of pixels: `rows` of them, `stride` apart, that two windows one below the other share, and the rows above and
+ *  below them that only the upper and only the lower has. */
+struct SharedRows {
+  const uint8_t* above;
+  const uint8_t* shared;
+  const uint8_t* below;
+  ptrdiff_t stride;
+  int32_t rows;
+};
+
+/** Of each of `count` columns in the upper and in the lower window. */
+void find_column_extremes(const SharedRows& rows, int32_t count, const Extremes& upper, const Extremes& lower);
 
 /** From those of `count` columns, those of the windows `width` columns wide that begin at each column, as far as they fit.
  *  `spare` holds as many; the result is in one of the two. */
