@@ -68,6 +68,13 @@ QUO_MULTIVERSION void slide_numbers(const uint8_t* __restrict entering, const ui
 // What is known of a pixel.
 enum Settled : uint8_t { kOpen, kFlat, kTextured };
 
+// Running sums before and in the windows of pixels side by side; the left halves end at the pixels.
+struct WindowSums {
+  const uint32_t* before;
+  const uint32_t* middle;
+  const uint32_t* last;
+};
+
 // Whether |s - nv| and twice the distance of v from the nearer extreme exceed n. With distances of P in all upwards and N
 // downwards, s - nv = P - N; and P + N is |P - N| and twice the smaller of both, which is no less than the distance of
 // the extreme on its side. All are whole numbers below 2^24: n v <= 254 n, and s <= 254 n.
@@ -94,6 +101,26 @@ QUO_MULTIVERSION void settle_by_sums(const uint8_t* __restrict pixels, const uin
     const auto known = static_cast<uint8_t>((below == 0) | (above == 1) | ((below == 1) & (above == 2)));
     const uint8_t flat = (known | settled[i]) != 0 ? kFlat : kOpen;
     settled[i] = static_cast<uint8_t>(kept != 0 ? kFlat : flat + settled[i]);
+  }
+}
+
+// Open pixels by the halves of their windows, whose distances add up to |s - nv| or more each.
+QUO_MULTIVERSION void settle_by_halves(const uint8_t* __restrict pixels, const float* __restrict numbers,
+                                       const float* __restrict left_numbers, const WindowSums& sums,
+                                       uint8_t* __restrict settled, int32_t count) {
+  const uint32_t* const before = sums.before;
+  const uint32_t* const middle = sums.middle;
+  const uint32_t* const last = sums.last;
+  uint8_t far[kColumns];
+  for (int32_t i = 0; i < count; i++) {
+    const auto pixel = static_cast<float>(pixels[i]), right_number = numbers[i] - left_numbers[i];
+    const float left = static_cast<float>(static_cast<int32_t>(middle[i] - before[i])) - left_numbers[i] * pixel;
+    const float right = static_cast<float>(static_cast<int32_t>(last[i] - middle[i])) - right_number * pixel;
+    far[i] = static_cast<uint8_t>(static_cast<int32_t>(std::fabs(left) + std::fabs(right) > numbers[i]));
+  }
+  for (int32_t i = 0; i < count; i++) {
+    const auto open = static_cast<uint8_t>(settled[i] == kOpen ? kTextured : 0);
+    settled[i] = static_cast<uint8_t>(settled[i] | ((far[i] + far[i]) & open));
   }
 }
 
@@ -242,7 +269,11 @@ class Strip {
     }
     settle_common_values(y);
     uint16_t open[kColumns];
-    const int32_t number = list_open(open);
+    int32_t number = list_open(open);
+    if (number > count_ / 8 && area_ <= kMostPixels) {
+      settle_slopes(pixels);
+      number = list_open(open);
+    }
     if (number == 0) return;
     settle_common_values(y, open, number);
     settle_others(y, open, number);
@@ -266,6 +297,18 @@ class Strip {
       numbers_[i] = static_cast<float>(static_cast<int32_t>(last()[i] - running_[i]));
     }
     counted_ = true;
+  }
+
+  // Many pixels with few of each value are left open on smooth slopes, of which both sides of a window make up one mean.
+  void settle_slopes(const uint8_t* pixels) {
+    const WindowSums sums{running_, running_ + half_.width + 1, last()};
+    float left_numbers[kColumns];
+    add_up_columns(taken_ + inside_);
+    for (int32_t i = 0; i < count_; i++) {
+      left_numbers[i] = static_cast<float>(static_cast<int32_t>(sums.middle[i] - sums.before[i]));
+    }
+    add_up_columns(values_ + inside_);
+    settle_by_halves(pixels, numbers_, left_numbers, sums, settled_, count_);
   }
 
   // Lists the pixels that are open. Returns their number.

@@ -37,6 +37,14 @@ TEST(AreaGrayStretch, DecidesFlatWindowsExactly) {
   }
 }
 
+// Smooth slopes, on which few pixels of a row have the same value.
+TEST(AreaGrayStretch, EqualsItsLiteralFormOnSlopes) {
+  for (const int32_t steps : {1, 2, 3, 5}) {
+    const Image image(430, 40, [&](int32_t x, int32_t y) { return x % 97 == 50 ? 255 : (x + 2 * y) / steps % 200; });
+    for (const int32_t window : {3, 7, 15}) expect_stretched(image, window, window);
+  }
+}
+
 // Values that are common in some rows and areas and not in others, with background here and there.
 TEST(AreaGrayStretch, EqualsItsLiteralFormWhereCommonValuesComeAndGo) {
   Random random(90);
