@@ -50,10 +50,10 @@ Window window_around(const GrayFrame& frame, const Half& half, int32_t x, int32_
 QUO_MULTIVERSION bool slide_values(const uint8_t* __restrict entering, const uint8_t* __restrict leaving,
                                    uint32_t* __restrict values, int32_t count) {
   uint8_t brightest = 0;
+  for (int32_t i = 0; i < count; i++) brightest = std::max(brightest, entering[i]);
   for (int32_t i = 0; i < count; i++) {
     const uint8_t in = entering[i] != kWhite ? entering[i] : 0, out = leaving[i] != kWhite ? leaving[i] : 0;
     values[i] += static_cast<uint32_t>(static_cast<int16_t>(in - out));
-    brightest = std::max(brightest, entering[i]);
   }
   return brightest == kWhite;
 }

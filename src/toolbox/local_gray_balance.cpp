@@ -186,42 +186,34 @@ QUO_MULTIVERSION void find_means(const Windows& windows, int32_t first, int32_t 
   find(find_means<0, 1>, middle_end, count);
 }
 
-// Half a gray level inside the limits of results. Constants in the loop would make branches of it.
-struct Limits {
-  float lowest = 0.5F;
-  float highest = kBrightest + 0.5F;
-};
-
 // Results in single precision, truncated; 255, which no result is, for background and where a rounding could decide.
+// Means are replaced by results, or by 0 where a rounding could decide what the moved value truncates to.
 //
 // With a unit roundoff of u = 2^-24, a mean is off by 3 u and so by less than 2^-14. The moved value adds half of that
 // and three roundings of values below 512: less than 2^-13. Its distance from the mean, below 640, is off by less than
 // 2^-13, the product by 2^-12 of the gain, that of 2^-26 in the gain itself included, and the two sums add roundings of
-// 2 u (640 gain + 511) and less than 2^-13 for mean and shift: together less than 2^-11 (gain + 1), and by so
-// much less that a rounding of the part below does not count. The defining steps in double precision are off by far
-// less. What is below 1 gives 0 and what is 254 or more 254, so values are limited to
+// 2 u (640 gain + 511) and less than 2^-13 for mean and shift: together less than 2^-11 (gain + 1). The defining steps in
+// double precision are off by far less. What is below 1 gives 0 and what is 254 or more 254, so values are limited to
 // half a gray level inside that, where nothing is unclear.
-QUO_MULTIVERSION void balance_pixels(const uint8_t* __restrict pixels, const float* __restrict means,
-                                     const Balance& balance, const Limits& limits, int32_t count,
-                                     uint8_t* __restrict output) {
+QUO_MULTIVERSION void balance_pixels(const uint8_t* __restrict pixels, const Balance& balance, float* __restrict means,
+                                     int32_t count, uint8_t* __restrict output) {
   constexpr float kMovedMargin = 0x1p-12F;
-  const float lowest = limits.lowest, highest = limits.highest;
   const auto gain = static_cast<float>(balance.gain), shift = static_cast<float>(balance.shift);
   const auto global_mean = static_cast<float>(balance.mean);
-  const float more_margin = 0x1p-11F * (gain + 1) - kMovedMargin;
   for (int32_t i = 0; i < count; i++) {
     const float moved = static_cast<float>(pixels[i]) + (global_mean - means[i]) * 0.5F;
     const auto whole = static_cast<float>(static_cast<int32_t>(moved));
     const float scaled = (whole - means[i]) * gain + means[i] + shift;
-    const float below = scaled < highest ? scaled : highest;
-    const float limited = below > lowest ? below : lowest;
-    const auto result = static_cast<int32_t>(limited);
-    const float moved_part = std::fabs(std::fabs(moved - whole) - 0.5F);
-    const float part = std::fabs(limited - static_cast<float>(result) - 0.5F) + more_margin;
-    const float larger = moved_part > part ? moved_part : part;
-    const int32_t marked =
-        static_cast<int32_t>(larger >= 0.5F - kMovedMargin) | static_cast<int32_t>(pixels[i] == kWhite);
-    output[i] = static_cast<uint8_t>(result | -marked);
+    const float below = scaled < kBrightest + 0.5F ? scaled : kBrightest + 0.5F;
+    const float limited = below > 0.5F ? below : 0.5F;
+    means[i] = std::fabs(std::fabs(moved - whole) - 0.5F) < 0.5F - kMovedMargin ? limited : 0.0F;
+  }
+  const float margin = 0x1p-11F * (gain + 1);
+  for (int32_t i = 0; i < count; i++) {
+    const auto whole = static_cast<int32_t>(means[i]);
+    const float part = std::fabs(means[i] - static_cast<float>(whole) - 0.5F);
+    const int32_t marked = static_cast<int32_t>(part >= 0.5F - margin) | static_cast<int32_t>(pixels[i] == kWhite);
+    output[i] = static_cast<uint8_t>(whole | -marked);
   }
 }
 
@@ -253,7 +245,7 @@ void balance_image(const GrayFrame& frame, Windows& windows, const quo::GlobalCo
       count = std::min(kStrip, frame.width - x);
       if (quick) {
         find_means(windows, x, count, means);
-        balance_pixels(pixels + x, means, near, Limits(), count, results + x);
+        balance_pixels(pixels + x, near, means, count, results + x);
       } else {
         for (int32_t i = x; i < x + count; i++) results[i] = kWhite;
       }
