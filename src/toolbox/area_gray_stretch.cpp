@@ -13,10 +13,10 @@
 #include "toolbox/window_extremes.h"
 
 // A pixel v is stretched when the distances of the n pixels of its window from it, background left out, add up to more
-// than n. Most pixels are settled by the sum s of their window, carried from row to row: the distances add up to |s - nv|
-// or more, and to just that for the smallest and the largest pixel of a window. What this leaves open lies in areas of a
-// few gray levels, where many pixels of a row have the same value: the distances from common values are carried from row
-// to row too. For the pixels that remain distances are added up, no further than until they exceed n.
+// than n. Most pixels are settled by the sum s of their window, carried from row to row: the distances add up to
+// |s - nv| or more, and to just that for the smallest and the largest pixel of a window. What this leaves open lies mostly
+// in areas of a few gray levels, where many pixels of a row have the same value: the distances from common values are
+// carried from row to row too. For the pixels that remain they are added up, no further than until they exceed n.
 namespace {
 
 using quo::Extremes;
@@ -28,7 +28,7 @@ using quo::ValueDistances;
 constexpr int32_t kColumns = quo::kStripColumns;
 constexpr int32_t kWidestHalf = 128;  // of a window in a strip; larger windows are read pixel by pixel
 constexpr int32_t kTallestHalf = 32639;
-constexpr int32_t kVector = 32;  // pixels of a vector, of which strips have whole numbers where they can
+constexpr int32_t kVector = 32;  // pixels; a strip with others after it has a multiple of them
 
 // Sums over windows of at most so many pixels, and two distances more, are below 2^24 and so exact in single precision.
 constexpr int64_t kMostPixels = (1 << 24) / 254 - 2;
@@ -75,8 +75,8 @@ struct WindowSums {
   const uint32_t* last;
 };
 
-// Whether |s - nv| and twice the distance of v from the nearer extreme exceed n. With distances of P in all upwards and N
-// downwards, s - nv = P - N; and P + N is |P - N| and twice the smaller of both, which is no less than the distance of
+// Whether |s - nv| and twice the distance of v from the nearer extreme exceed n. With distances of P in all upwards and
+// N downwards, s - nv = P - N; and P + N is |P - N| and twice the smaller of both, which is no less than the distance of
 // the extreme on its side. All are whole numbers below 2^24: n v <= 254 n, and s <= 254 n.
 QUO_MULTIVERSION void compare_sums(const uint8_t* __restrict pixels, const Extremes& windows,
                                    const float* __restrict numbers, const uint32_t* __restrict before,
@@ -143,9 +143,9 @@ QUO_MULTIVERSION uint32_t settle_by_distances(const uint8_t* __restrict pixels, 
   return number;
 }
 
-// Quotients of whole numbers below 2^16 by numbers below 2^8, of which those of textured pixels are at most 254. One that
-// is no integer lies 2^-8 or more below the next, and single precision, with 16 binary places there, does not round it
-// up to that.
+// Quotients of whole numbers below 2^16 by numbers below 2^8, of which those of textured pixels are at most 254. One
+// that is no integer lies 2^-8 or more below the next, and single precision, with 16 binary places there, does not round
+// it up to that.
 QUO_MULTIVERSION void stretch_pixels(const uint8_t* __restrict pixels, uint8_t* __restrict lo,
                                      const uint8_t* __restrict end, int32_t count) {
   for (int32_t i = 0; i < count; i++) {
@@ -170,8 +170,8 @@ QUO_MULTIVERSION uint32_t select_results(const uint8_t* __restrict pixels, const
   return stretched;
 }
 
-// A strip of pixels, and what is known of the columns that their windows reach while these move down the image. Column 0
-// is half a window left of the first pixel.
+// A strip of pixels, and what is known of the columns that their windows reach while these move down the image. Column
+// 0 is half a window left of the first pixel.
 class Strip {
  public:
   Strip(const GrayFrame& frame, const Half& half, int32_t left)
@@ -299,7 +299,7 @@ class Strip {
     counted_ = true;
   }
 
-  // Many pixels with few of each value are left open on smooth slopes, of which both sides of a window make up one mean.
+  // On smooth slopes many pixels are left open, few of each value: the two sides of a window level out in its sum.
   void settle_slopes(const uint8_t* pixels) {
     const WindowSums sums{running_, running_ + half_.width + 1, last()};
     float left_numbers[kColumns];

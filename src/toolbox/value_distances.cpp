@@ -69,15 +69,12 @@ void quo::ValueDistances::move_to(int32_t y, const Columns& columns, int32_t hal
   const auto row = [&](int64_t j) {
     return j >= 0 && j < columns.rows ? columns.row(static_cast<int32_t>(j)) : quo::kWhiteRow.pixels;
   };
-  if (row_ == kNone || y - row_ > half_height) {
-    for (int32_t i = 0; i < columns.count; i++) sums_[i] = 0;
-    for (int64_t j = int64_t{y} - half_height; j <= int64_t{y} + half_height; j++) {
-      slide(row(j), quo::kWhiteRow.pixels, value_, sums_, columns.count);
-    }
+  const int64_t top = int64_t{y} - half_height, bottom = int64_t{y} + half_height;
+  if (row_ != kNone && row_ == y - 1) {
+    slide(row(bottom), row(top - 1), value_, sums_, columns.count);
   } else {
-    for (int64_t j = int64_t{row_} + 1; j <= y; j++) {
-      slide(row(j + half_height), row(j - half_height - 1), value_, sums_, columns.count);
-    }
+    for (int32_t i = 0; i < columns.count; i++) sums_[i] = 0;
+    for (int64_t j = top; j <= bottom; j++) slide(row(j), kWhiteRow.pixels, value_, sums_, columns.count);
   }
   row_ = y;
 }

@@ -25,8 +25,8 @@ struct SharedRows {
 /** Of each of `count` columns in the upper and in the lower window. */
 void find_column_extremes(const SharedRows& rows, int32_t count, const Extremes& upper, const Extremes& lower);
 
-/** From those of `count` columns, those of the windows `width` columns wide that begin at each column, as far as they fit.
- *  `spare` holds as many; the result is in one of the two. */
+/** From those of `count` columns, those of the windows `width` columns wide that begin at each column, as far as they
+ *  fit. `spare` holds as many; the result is in one of the two. */
 const Extremes& join_column_extremes(const Extremes& columns, const Extremes& spare, int32_t count, int32_t width);
 
 }  // namespace quo
