@@ -13,7 +13,7 @@
 #include "toolbox/window_extremes.h"
 
 // A pixel v is stretched when the distances of the n pixels of its window from it, background left out, add up to more
-// than n. Most pixels are settled by the sum s of their window, carried from row to row: the distances add up to
+// than n. Most pixels are settled by the sum s of their window, carried from row to row: distances add up to
 // |s - nv| or more, and to just that for the smallest and the largest pixel of a window. What this leaves open lies mostly
 // in areas of a few gray levels, where many pixels of a row have the same value: the distances from common values are
 // carried from row to row too. For the pixels that remain they are added up, no further than until they exceed n.
@@ -76,8 +76,8 @@ struct WindowSums {
 };
 
 // Whether |s - nv| and twice the distance of v from the nearer extreme exceed n. With distances of P in all upwards and
-// N downwards, s - nv = P - N; and P + N is |P - N| and twice the smaller of both, which is no less than the distance of
-// the extreme on its side. All are whole numbers below 2^24: n v <= 254 n, and s <= 254 n.
+// N downwards, s - nv = P - N; and P + N is |P - N| and twice the smaller of both, which is no less than the distance
+// of the extreme on its side. All are whole numbers below 2^24: n v <= 254 n, and s <= 254 n.
 QUO_MULTIVERSION void compare_sums(const uint8_t* __restrict pixels, const Extremes& windows,
                                    const float* __restrict numbers, const uint32_t* __restrict before,
                                    const uint32_t* __restrict last, uint8_t* __restrict far, int32_t count) {
@@ -144,8 +144,8 @@ QUO_MULTIVERSION uint32_t settle_by_distances(const uint8_t* __restrict pixels, 
 }
 
 // Quotients of whole numbers below 2^16 by numbers below 2^8, of which those of textured pixels are at most 254. One
-// that is no integer lies 2^-8 or more below the next, and single precision, with 16 binary places there, does not round
-// it up to that.
+// that is no integer lies 2^-8 or more below the next, and single precision, with 16 binary places there, does not
+// round it up to that.
 QUO_MULTIVERSION void stretch_pixels(const uint8_t* __restrict pixels, uint8_t* __restrict lo,
                                      const uint8_t* __restrict end, int32_t count) {
   for (int32_t i = 0; i < count; i++) {

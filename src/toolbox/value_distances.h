@@ -51,8 +51,8 @@ class ValueDistances {
     row_ = kNone;
   }
 
-  /** Over the rows from `y - half_height` to `y + half_height` as far as there are any; from scratch unless it was at the
-   *  row above. */
+  /** Over the rows from `y - half_height` to `y + half_height` as far as there are any; from scratch unless it was
+   *  at the row above. */
   void move_to(int32_t y, const Columns& columns, int32_t half_height);
 
   const uint16_t* sums() const { return sums_; }
