@@ -1,9 +1,15 @@
 #include "frame/integral_image.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 
+#include "frame/multiversion.h"
 #include "quoFPAlg.h"
+
+#ifdef QUO_WIDE
+#include <immintrin.h>
+#endif
 
 namespace {
 
@@ -41,18 +47,27 @@ void store_sum(const uint32_t* above, Sums4 run, uint32_t* sums) {
   __builtin_memcpy(sums, &sum, sizeof sum);
 }
 
-}  // namespace
+// Four numbers as 32 bits each.
+Sums4 load_four(const uint32_t* from) { return load(from); }
 
-uint32_t quo::add_running_sums(const uint8_t* __restrict source, const uint32_t* __restrict above,
+Sums4 load_four(const uint16_t* from) {
+  uint64_t four;
+  __builtin_memcpy(&four, from, sizeof four);
+  using Halves = uint64_t __attribute__((vector_size(16)));
+  return reinterpret_cast<Sums4>(
+      __builtin_shufflevector(reinterpret_cast<Words8>(Halves{four, 0}), Words8{}, 0, 8, 1, 9, 2, 10, 3, 11));
+}
+
+QUO_BASELINE uint32_t add_rows(const uint8_t* __restrict source, const uint32_t* __restrict above,
                                uint32_t* __restrict sums, int32_t width, uint32_t run) {
-  static_assert(std::endian::native == std::endian::little, "a pixel and a zero byte are read as one number");
   const Words8 zero{};
   Sums4 before = Sums4{} + run;
   int32_t x = 0;
   for (; x <= width - kStep; x += kStep) {
     const Words8 part = running_sums(source + x);
     const Sums4 low = reinterpret_cast<Sums4>(__builtin_shufflevector(part, zero, 0, 8, 1, 9, 2, 10, 3, 11)) + before;
-    const Sums4 high = reinterpret_cast<Sums4>(__builtin_shufflevector(part, zero, 4, 12, 5, 13, 6, 14, 7, 15)) + before;
+    const Sums4 high =
+        reinterpret_cast<Sums4>(__builtin_shufflevector(part, zero, 4, 12, 5, 13, 6, 14, 7, 15)) + before;
     store_sum(above + x, low, sums + x);
     store_sum(above + x + 4, high, sums + x + 4);
     before = __builtin_shufflevector(high, high, 3, 3, 3, 3);
@@ -65,20 +80,119 @@ uint32_t quo::add_running_sums(const uint8_t* __restrict source, const uint32_t*
   return run;
 }
 
-void quo::add_up(const uint32_t* __restrict values, uint32_t* __restrict sums, int32_t count) {
+// A multiple of four numbers.
+template <typename Number>
+uint32_t add_up_fours(const Number* __restrict values, uint32_t* __restrict sums, int32_t count) {
   const Sums4 zero{};
   Sums4 before{};
-  int32_t x = 0;
-  for (; x <= count - 4; x += 4) {
-    Sums4 run = load(values + x);
+  for (int32_t x = 0; x < count; x += 4) {
+    Sums4 run = load_four(values + x);
     run += __builtin_shufflevector(zero, run, 0, 4, 5, 6);
     run += __builtin_shufflevector(zero, run, 0, 0, 4, 5);
     run += before;
     __builtin_memcpy(sums + x, &run, sizeof run);
     before = __builtin_shufflevector(run, run, 3, 3, 3, 3);
   }
-  for (uint32_t run = before[0]; x < count; x++) sums[x] = run += values[x];
+  return before[0];
 }
+
+constexpr int32_t kEight = 8;
+
+// A multiple of eight numbers.
+QUO_BASELINE uint32_t add_up_eights(const uint32_t* __restrict values, uint32_t* __restrict sums, int32_t count) {
+  return add_up_fours(values, sums, count);
+}
+
+QUO_BASELINE uint32_t add_up_eights(const uint16_t* __restrict values, uint32_t* __restrict sums, int32_t count) {
+  return add_up_fours(values, sums, count);
+}
+
+#ifdef QUO_WIDE
+// The same with twice as many at once. Sums wait for the ones before them with a single addition.
+#pragma GCC push_options
+#pragma GCC target("arch=x86-64-v3")
+
+const __m256i* vector_at(const void* from) { return static_cast<const __m256i*>(from); }
+
+__m256i last_of(__m256i eight) { return _mm256_permutevar8x32_epi32(eight, _mm256_set1_epi32(7)); }
+
+void store_sums(const uint32_t* above, __m256i run, uint32_t* sums) {
+  _mm256_storeu_si256(reinterpret_cast<__m256i*>(sums), _mm256_add_epi32(run, _mm256_loadu_si256(vector_at(above))));
+}
+
+// Running sums of eight numbers: of each half, and the sum of the lower for the upper.
+void store_running_sums(__m256i eight, __m256i& before, uint32_t* sums) {
+  eight = _mm256_add_epi32(eight, _mm256_slli_si256(eight, 4));
+  eight = _mm256_add_epi32(eight, _mm256_slli_si256(eight, 8));
+  const __m256i lasts = _mm256_shuffle_epi32(eight, 0xFF);
+  eight = _mm256_add_epi32(eight, _mm256_permute2x128_si256(lasts, lasts, 0x08));
+  _mm256_storeu_si256(reinterpret_cast<__m256i*>(sums), _mm256_add_epi32(eight, before));
+  before = _mm256_add_epi32(before, last_of(eight));
+}
+
+uint32_t first_of(__m256i eight) { return static_cast<uint32_t>(_mm256_cvtsi256_si32(eight)); }
+
+#pragma GCC pop_options
+
+QUO_WIDE uint32_t add_rows(const uint8_t* __restrict source, const uint32_t* __restrict above,
+                           uint32_t* __restrict sums, int32_t width, uint32_t run) {
+  __m256i before = _mm256_set1_epi32(static_cast<int32_t>(run));
+  int32_t x = 0;
+  for (; x <= width - 2 * kEight; x += 2 * kEight) {
+    __m256i part = _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(source + x)));
+    part = _mm256_add_epi16(part, _mm256_slli_si256(part, 2));
+    part = _mm256_add_epi16(part, _mm256_slli_si256(part, 4));
+    part = _mm256_add_epi16(part, _mm256_slli_si256(part, 8));
+    const __m256i low = _mm256_cvtepu16_epi32(_mm256_castsi256_si128(part));
+    const __m256i high = _mm256_cvtepu16_epi32(_mm256_extracti128_si256(part, 1));
+    store_sums(above + x, _mm256_add_epi32(low, before), sums + x);
+    before = _mm256_add_epi32(before, last_of(low));
+    store_sums(above + x + kEight, _mm256_add_epi32(high, before), sums + x + kEight);
+    before = _mm256_add_epi32(before, last_of(high));
+  }
+  run = first_of(before);
+  for (; x < width; x++) {
+    run += source[x];
+    sums[x] = run + above[x];
+  }
+  return run;
+}
+
+QUO_WIDE uint32_t add_up_eights(const uint32_t* __restrict values, uint32_t* __restrict sums, int32_t count) {
+  __m256i before = _mm256_setzero_si256();
+  for (int32_t x = 0; x < count; x += kEight) {
+    store_running_sums(_mm256_loadu_si256(vector_at(values + x)), before, sums + x);
+  }
+  return first_of(before);
+}
+
+QUO_WIDE uint32_t add_up_eights(const uint16_t* __restrict values, uint32_t* __restrict sums, int32_t count) {
+  __m256i before = _mm256_setzero_si256();
+  for (int32_t x = 0; x < count; x += kEight) {
+    const __m128i eight = _mm_loadu_si128(reinterpret_cast<const __m128i*>(values + x));
+    store_running_sums(_mm256_cvtepu16_epi32(eight), before, sums + x);
+  }
+  return first_of(before);
+}
+#endif
+
+template <typename Number>
+void add_up_numbers(const Number* values, uint32_t* sums, int32_t count) {
+  const int32_t whole = std::max(count, 0) / kEight * kEight;
+  uint32_t run = add_up_eights(values, sums, whole);
+  for (int32_t x = whole; x < count; x++) sums[x] = run += values[x];
+}
+
+}  // namespace
+
+uint32_t quo::add_running_sums(const uint8_t* source, const uint32_t* above, uint32_t* sums, int32_t width,
+                               uint32_t run) {
+  static_assert(std::endian::native == std::endian::little, "a pixel and a zero byte are read as one number");
+  return add_rows(source, above, sums, width, run);
+}
+
+void quo::add_up(const uint32_t* values, uint32_t* sums, int32_t count) { add_up_numbers(values, sums, count); }
+void quo::add_up(const uint16_t* values, uint32_t* sums, int32_t count) { add_up_numbers(values, sums, count); }
 
 void GetGrayIntegralImage(const uint8_t* source, uint32_t* integral, int32_t width, int32_t height, int32_t stride) {
   if (width < 0 || height < 0) return;

@@ -11,5 +11,6 @@ uint32_t add_running_sums(const uint8_t* source, const uint32_t* above, uint32_t
 
 /** Running sums of numbers, modulo 2^32. The two do not overlap. */
 void add_up(const uint32_t* values, uint32_t* sums, int32_t count);
+void add_up(const uint16_t* values, uint32_t* sums, int32_t count);
 
 }  // namespace quo

@@ -1,31 +1,41 @@
 #include <algorithm>
+#include <bit>
+#include <cmath>
 #include <cstddef>
 
+#include "frame/eight_bytes.h"
 #include "frame/gray.h"
 #include "frame/integral_image.h"
 #include "frame/multiversion.h"
 #include "quoFPAlg.h"
 #include "toolbox/gray_stretch.h"
+#include "toolbox/value_distances.h"
+#include "toolbox/window_extremes.h"
 
-// A pixel is stretched when the distances d of the n pixels of its window from it, background left out, add up to more
-// than n. Most pixels are settled by the squares of the distances, whose sum follows from sliding sums: distances are whole
-// numbers, so sum(d) <= sum(d^2), and sum(d^2) <= sum(d) max(d). For the others distances are added up, for a group of
-// pixels side by side, and no further than until all of them are settled.
+// A pixel v is stretched when the distances of the n pixels of its window from it, background left out, add up to more
+// than n. Most pixels are settled by the sum s of their window, carried from row to row: distances add up to
+// |s - nv| or more, and to just that for the smallest and the largest pixel of a window. What this leaves open lies mostly
+// in areas of a few gray levels, where many pixels of a row have the same value: the distances from common values are
+// carried from row to row too. For the pixels that remain they are added up, no further than until they exceed n.
 namespace {
 
+using quo::Extremes;
 using quo::GrayFrame;
+using quo::Half;
 using quo::kWhite;
+using quo::ValueDistances;
 
-// Columns looked at together: those of a strip of pixels and, on either side, those that their windows reach.
-constexpr int32_t kColumns = 416;
-constexpr int32_t kWidestHalf = 128;  // of a window in a strip; wider windows are read pixel by pixel
-constexpr int32_t kGroup = 64;        // pixels whose distances are added up together
+constexpr int32_t kColumns = quo::kStripColumns;
+constexpr int32_t kWidestHalf = 128;  // of a window in a strip; larger windows are read pixel by pixel
+constexpr int32_t kTallestHalf = 32639;
+constexpr int32_t kVector = 32;  // pixels; a strip with others after it has a multiple of them
 
-// Columns and rows of a window on each side of its pixel.
-struct Half {
-  int32_t width;
-  int32_t height;
-};
+// Sums over windows of at most so many pixels, and two distances more, are below 2^24 and so exact in single precision.
+constexpr int64_t kMostPixels = (1 << 24) / 254 - 2;
+static_assert(int64_t{ValueDistances::kMostRows} * (2 * kWidestHalf + 1) <= kMostPixels);
+
+// Numbers of pixels are exact there too, and distances and limits, at most 255 for each pixel, fit in 32 bits.
+static_assert((2 * kWidestHalf + 1) * (2 * kTallestHalf + 1) <= 1 << 24);
 
 struct Window {
   int32_t left, right, top, bottom;  // the last column and row included
@@ -36,251 +46,330 @@ Window window_around(const GrayFrame& frame, const Half& half, int32_t x, int32_
           std::max(y - half.height, 0), y + std::min(half.height, frame.height - 1 - y)};
 }
 
-// Smallest value, and largest plus one, of pixels below 255. A byte wraps at 255, so that 255 itself changes neither.
-struct Extremes {
-  uint8_t lo[kColumns];
-  uint8_t end[kColumns];
-};
-
-void widen(const uint8_t* __restrict pixels, uint8_t* __restrict lo, uint8_t* __restrict end, ptrdiff_t count) {
-  for (ptrdiff_t i = 0; i < count; i++) {
-    lo[i] = std::min(lo[i], pixels[i]);
-    end[i] = std::max(end[i], static_cast<uint8_t>(pixels[i] + 1));
-  }
-}
-
-// Of each column and the one `shift` further.
-void join(const Extremes& __restrict columns, ptrdiff_t shift, Extremes& __restrict joined, ptrdiff_t count) {
-  const uint8_t* const lo = columns.lo + shift;
-  const uint8_t* const end = columns.end + shift;
-  for (ptrdiff_t i = 0; i < count; i++) {
-    joined.lo[i] = std::min(columns.lo[i], lo[i]);
-    joined.end[i] = std::max(columns.end[i], end[i]);
-  }
-}
-
-// Sums over the columns of a strip, of the pixels below 255 and of their squares, and the number of the others.
-struct ColumnSums {
-  uint32_t values[kColumns + 1];
-  uint32_t squares[kColumns + 1];
-  uint32_t white[kColumns + 1];
-};
-
-template <int kSign>
-QUO_MULTIVERSION void count_row(const uint8_t* __restrict pixels, uint32_t* __restrict values,
-                                uint32_t* __restrict squares, uint32_t* __restrict white, int32_t count) {
+// Returns whether the row that enters has background.
+QUO_MULTIVERSION bool slide_values(const uint8_t* __restrict entering, const uint8_t* __restrict leaving,
+                                   uint32_t* __restrict values, int32_t count) {
+  uint8_t brightest = 0;
+  for (int32_t i = 0; i < count; i++) brightest = std::max(brightest, entering[i]);
   for (int32_t i = 0; i < count; i++) {
-    const int32_t is_white = pixels[i] == kWhite ? 1 : 0;
-    const auto value = static_cast<int16_t>(pixels[i] & (is_white - 1));
-    values[i] += static_cast<uint32_t>(kSign * value);
-    squares[i] += static_cast<uint32_t>(kSign * value * value);
-    white[i] += static_cast<uint32_t>(kSign * is_white);
+    const uint8_t in = entering[i] != kWhite ? entering[i] : 0, out = leaving[i] != kWhite ? leaving[i] : 0;
+    values[i] += static_cast<uint32_t>(static_cast<int16_t>(in - out));
+  }
+  return brightest == kWhite;
+}
+
+QUO_MULTIVERSION void slide_numbers(const uint8_t* __restrict entering, const uint8_t* __restrict leaving,
+                                    uint16_t* __restrict numbers, int32_t count) {
+  for (int32_t i = 0; i < count; i++) {
+    numbers[i] = static_cast<uint16_t>(numbers[i] + (entering[i] != kWhite ? 1 : 0) - (leaving[i] != kWhite ? 1 : 0));
   }
 }
 
-// Windows of at most so many pixels have sums of squares that fit in 31 bits.
-constexpr int64_t kMostPixels = INT32_MAX / (254 * 254);
-
-// What the squares say of a pixel.
+// What is known of a pixel.
 enum Settled : uint8_t { kOpen, kFlat, kTextured };
 
-// Sums over windows, as the differences of running sums `reach` columns apart.
+// Running sums before and in the windows of pixels side by side; the left halves end at the pixels.
 struct WindowSums {
-  const uint32_t* values;
-  const uint32_t* squares;
-  const uint32_t* white;
-  ptrdiff_t reach;
+  const uint32_t* before;
+  const uint32_t* middle;
+  const uint32_t* last;
 };
 
-// In single precision, where the sum of squares is off by less than n / 32: by five roundings of 2^-24 of at most
-// 254^2 n. Pixels of 0 and 255 are never stretched.
-QUO_MULTIVERSION void settle_by_squares(const uint8_t* __restrict pixels, const uint8_t* __restrict lo,
-                                        const uint8_t* __restrict end, const float* __restrict areas,
-                                        const WindowSums& sums, uint8_t* __restrict settled, int32_t count) {
-  const uint32_t* const values = sums.values;
-  const uint32_t* const squares = sums.squares;
-  const uint32_t* const white = sums.white;
+// Whether |s - nv| and twice the distance of v from the nearer extreme exceed n. With distances of P in all upwards and
+// N downwards, s - nv = P - N; and P + N is |P - N| and twice the smaller of both, which is no less than the distance
+// of the extreme on its side. All are whole numbers below 2^24: n v <= 254 n, and s <= 254 n.
+QUO_MULTIVERSION void compare_sums(const uint8_t* __restrict pixels, const Extremes& windows,
+                                   const float* __restrict numbers, const uint32_t* __restrict before,
+                                   const uint32_t* __restrict last, uint8_t* __restrict far, int32_t count) {
+  const uint8_t* const lo = windows.lo;
+  const uint8_t* const end = windows.end;
   for (int32_t i = 0; i < count; i++) {
-    const auto pixel = static_cast<float>(pixels[i]);
-    const float n = areas[i] - static_cast<float>(static_cast<int32_t>(white[i + sums.reach] - white[i]));
-    const auto value = static_cast<float>(static_cast<int32_t>(values[i + sums.reach] - values[i]));
-    const auto square = static_cast<float>(static_cast<int32_t>(squares[i + sums.reach] - squares[i]));
-    const float distances = (square - pixel * value) + pixel * (n * pixel - value);
-    const int32_t furthest = std::max(pixels[i] - lo[i], end[i] - 1 - pixels[i]);
-    const float margin = n * (1.0F / 32);
-    const int32_t flat = static_cast<int32_t>(distances < n - margin) | static_cast<int32_t>(furthest <= 1) |
-                         static_cast<int32_t>(pixels[i] == 0) | static_cast<int32_t>(pixels[i] == kWhite);
-    const int32_t textured = static_cast<int32_t>(distances > n * static_cast<float>(furthest) + margin);
-    settled[i] = static_cast<uint8_t>(flat * kFlat + (textured & (1 - flat)) * kTextured);
+    const auto below = static_cast<uint8_t>(pixels[i] - lo[i]), above = static_cast<uint8_t>(end[i] - 1 - pixels[i]);
+    const auto side = static_cast<float>(std::min(below, above));
+    const auto sum = static_cast<float>(static_cast<int32_t>(last[i] - before[i]));
+    const float distances = std::fabs(sum - numbers[i] * static_cast<float>(pixels[i])) + (side + side);
+    far[i] = static_cast<uint8_t>(static_cast<int32_t>(distances > numbers[i]));
   }
 }
 
-constexpr int32_t kSafeAdditions = 257;  // of distances in 16 bits
-static_assert(kSafeAdditions * 255 <= UINT16_MAX && 2 * kWidestHalf + 1 <= kSafeAdditions);
-
-// A distance as max - a + max - b stays in bytes; GCC 12 takes max - min apart into selections between 16-bit sums.
-void add_distances(const uint8_t* __restrict neighbours, const uint8_t* __restrict pixels,
-                   uint16_t* __restrict distances, ptrdiff_t count) {
-  for (ptrdiff_t i = 0; i < count; i++) {
-    const uint8_t higher = std::max(neighbours[i], pixels[i]);
-    const auto distance = static_cast<uint8_t>((higher - neighbours[i]) + (higher - pixels[i]));
-    distances[i] = static_cast<uint16_t>(distances[i] + distance);
+// From what compare_sums() says. Pixels of 0 and 255 are never stretched, nor are those with distances of 0 and 1 only.
+QUO_MULTIVERSION void settle_by_sums(const uint8_t* __restrict pixels, const uint8_t* __restrict lo,
+                                     const uint8_t* __restrict end, uint8_t* __restrict settled, int32_t count) {
+  for (int32_t i = 0; i < count; i++) {
+    const auto below = static_cast<uint8_t>(pixels[i] - lo[i]), above = static_cast<uint8_t>(end[i] - pixels[i]);
+    const auto kept = static_cast<uint8_t>((pixels[i] == 0) | (pixels[i] == kWhite));
+    const auto known = static_cast<uint8_t>((below == 0) | (above == 1) | ((below == 1) & (above == 2)));
+    const uint8_t flat = (known | settled[i]) != 0 ? kFlat : kOpen;
+    settled[i] = static_cast<uint8_t>(kept != 0 ? kFlat : flat + settled[i]);
   }
 }
 
-// What the distances of a window's pixels must exceed for its pixel to be stretched. They include those of background,
-// 255 less the pixel each, so the limit does too: 2^32 is out of reach for windows of 257 columns and 2^16 rows.
-constexpr uint32_t kNoLimit = UINT32_MAX;  // of pixels that are settled
+// Open pixels by the halves of their windows, whose distances add up to |s - nv| or more each.
+QUO_MULTIVERSION void settle_by_halves(const uint8_t* __restrict pixels, const float* __restrict numbers,
+                                       const float* __restrict left_numbers, const WindowSums& sums,
+                                       uint8_t* __restrict settled, int32_t count) {
+  const uint32_t* const before = sums.before;
+  const uint32_t* const middle = sums.middle;
+  const uint32_t* const last = sums.last;
+  uint8_t far[kColumns];
+  for (int32_t i = 0; i < count; i++) {
+    const auto pixel = static_cast<float>(pixels[i]), right_number = numbers[i] - left_numbers[i];
+    const float left = static_cast<float>(static_cast<int32_t>(middle[i] - before[i])) - left_numbers[i] * pixel;
+    const float right = static_cast<float>(static_cast<int32_t>(last[i] - middle[i])) - right_number * pixel;
+    far[i] = static_cast<uint8_t>(static_cast<int32_t>(std::fabs(left) + std::fabs(right) > numbers[i]));
+  }
+  for (int32_t i = 0; i < count; i++) {
+    const auto open = static_cast<uint8_t>(settled[i] == kOpen ? kTextured : 0);
+    settled[i] = static_cast<uint8_t>(settled[i] | ((far[i] + far[i]) & open));
+  }
+}
 
-uint32_t count_open(const uint32_t* __restrict totals, const uint32_t* __restrict limits, int32_t count) {
+// Open pixels of one value, with running sums of the distances from it. Returns their number.
+QUO_MULTIVERSION uint32_t settle_by_distances(const uint8_t* __restrict pixels, uint8_t value,
+                                              const float* __restrict numbers, const uint32_t* __restrict before,
+                                              const uint32_t* __restrict last, uint8_t* __restrict settled,
+                                              int32_t count) {
+  uint8_t far[kColumns];
+  for (int32_t i = 0; i < count; i++) {
+    const auto distances = static_cast<float>(static_cast<int32_t>(last[i] - before[i]));
+    far[i] = static_cast<uint8_t>(static_cast<int32_t>(distances > numbers[i]));
+  }
   uint32_t number = 0;
   for (int32_t i = 0; i < count; i++) {
-    number += static_cast<uint32_t>((totals[i] <= limits[i]) & (limits[i] != kNoLimit));
+    const auto open = static_cast<uint8_t>(((pixels[i] == value) & (settled[i] == kOpen)) ? 255 : 0);
+    settled[i] = static_cast<uint8_t>(settled[i] | ((far[i] + kFlat) & open));
+    number += open & 1U;
   }
   return number;
 }
 
-// A strip of pixels, and what is known of the columns that their windows reach while these move down the image. Column 0
-// is half a window left of the first pixel.
+// Quotients of whole numbers below 2^16 by numbers below 2^8, of which those of textured pixels are at most 254. One
+// that is no integer lies 2^-8 or more below the next, and single precision, with 16 binary places there, does not
+// round it up to that.
+QUO_MULTIVERSION void stretch_pixels(const uint8_t* __restrict pixels, uint8_t* __restrict lo,
+                                     const uint8_t* __restrict end, int32_t count) {
+  for (int32_t i = 0; i < count; i++) {
+    const auto range = static_cast<uint8_t>(end[i] - 1 - lo[i]);
+    const auto distance = static_cast<uint16_t>((pixels[i] - lo[i]) * quo::kStretchedWhite);
+    const float quotient = static_cast<float>(distance) / static_cast<float>(std::max<uint8_t>(range, 1));
+    lo[i] = static_cast<uint8_t>(static_cast<int32_t>(quotient));
+  }
+}
+
+// Writes results where pixels are textured, and elsewhere the pixels unless they are 0. Returns the number of results.
+QUO_MULTIVERSION uint32_t select_results(const uint8_t* __restrict pixels, const uint8_t* __restrict results,
+                                         const uint8_t* __restrict settled, uint8_t* __restrict output, int32_t count) {
+  uint32_t stretched = 0;
+  for (int32_t i = 0; i < count; i++) {
+    const auto textured = static_cast<uint8_t>(settled[i] == kTextured ? 255 : 0);
+    const auto unwritten = static_cast<uint8_t>(pixels[i] == 0 ? 255 : 0);
+    const auto kept = static_cast<uint8_t>(pixels[i] | (output[i] & unwritten));
+    output[i] = static_cast<uint8_t>((results[i] & textured) | (kept & ~textured));
+    stretched += textured & 1U;
+  }
+  return stretched;
+}
+
+// A strip of pixels, and what is known of the columns that their windows reach while these move down the image. Column
+// 0 is half a window left of the first pixel.
 class Strip {
  public:
   Strip(const GrayFrame& frame, const Half& half, int32_t left)
       : frame_(frame),
         half_(half),
         left_(left),
-        count_(std::min(kColumns - 2 * half.width, frame.width - left)),
+        count_(count_of(kColumns - 2 * half.width, frame.width - left)),
         columns_(count_ + 2 * half.width),
         inside_(std::max(half.width - left, 0)),
-        inside_count_(at_most(columns_, int64_t{frame.width} - left + half.width) - inside_) {}
+        inside_count_(at_most(columns_, int64_t{frame.width} - left + half.width) - inside_),
+        enough_(2 + columns_ / (40 * (1 + half.width / 8))),
+        area_((int64_t{2} * half.width + 1) * (int64_t{2} * half.height + 1)) {
+    for (int32_t i = 0; i < columns_; i++) values_[i] = taken_[i] = 0;
+    for (uint8_t& settled : settled_) settled = kFlat;
+    for (int32_t y = 0; y < std::min(half_.height, frame_.height); y++) move(y, -1);
+  }
 
   int32_t count() const { return count_; }
 
   // Returns the number of pixels stretched.
   uint32_t stretch(uint8_t* output) {
     uint32_t stretched = 0;
-    for (ptrdiff_t i = 0; i <= columns_; i++) sums_.values[i] = sums_.squares[i] = sums_.white[i] = 0;
-    for (int32_t y = 0; y < std::min(half_.height, frame_.height); y++) count_row<1>(y);
     for (int32_t y = 0; y < frame_.height; y++) {
-      if (y < frame_.height - half_.height) count_row<1>(y + half_.height);
-      if (y > half_.height) count_row<-1>(y - half_.height - 1);
+      move(int64_t{y} + half_.height, y - half_.height - 1);
       const Extremes& windows = find_extremes(y);
       settle(y, windows);
-      stretched += stretch_row(y, windows, output + static_cast<ptrdiff_t>(y) * frame_.width + left_);
+      stretch_pixels(pixel_row(y), windows.lo, windows.end, count_);
+      stretched += select_results(pixel_row(y), windows.lo, settled_,
+                                  output + static_cast<ptrdiff_t>(y) * frame_.width + left_, count_);
     }
     return stretched;
   }
 
  private:
+  static constexpr int32_t kMostCommon = 4;  // values whose distances are carried from row to row
+
+  // Pixels of a strip of at most `most`, when so many are left: about as many as the strips after it will have.
+  static int32_t count_of(int32_t most, int32_t left) {
+    if (left <= most) return left;
+    const int32_t share = left / (1 + (left - 1) / most);
+    return std::min((share + kVector) / kVector * kVector, most);
+  }
+
   // Columns right of an image may be beyond what 32 bits count.
   static int32_t at_most(int32_t limit, int64_t value) { return value < limit ? static_cast<int32_t>(value) : limit; }
 
   const uint8_t* inside_row(int32_t y) const { return frame_.row(y) + (left_ - half_.width + inside_); }
   const uint8_t* pixel_row(int32_t y) const { return frame_.row(y) + left_; }
+  Window window_of(int32_t i, int32_t y) const { return window_around(frame_, half_, left_ + i, y); }
 
-  template <int kSign>
-  void count_row(int32_t y) {
-    ::count_row<kSign>(inside_row(y), sums_.values + inside_, sums_.squares + inside_, sums_.white + inside_,
-                       inside_count_);
+  // Takes rows into the sums and out of them, as far as there are any.
+  void move(int64_t entering, int32_t leaving) {
+    const bool enters = entering < frame_.height;
+    const uint8_t* const in = enters ? inside_row(static_cast<int32_t>(entering)) : quo::kWhiteRow.pixels;
+    const uint8_t* const out = leaving >= 0 ? inside_row(leaving) : quo::kWhiteRow.pixels;
+    const bool white = slide_values(in, out, values_ + inside_, inside_count_);
+    if (enters && white) last_white_ = static_cast<int32_t>(entering);
+    if (enters && leaving >= 0 && last_white_ < leaving) return;  // as many pixels as before
+    slide_numbers(in, out, taken_ + inside_, inside_count_);
+    counted_ = false;
   }
 
-  // Of the windows around a row's pixels: of each column first, then of 2, 4, 8 ... columns side by side.
+  // Of the windows around a row's pixels.
   const Extremes& find_extremes(int32_t y) {
-    Extremes* found = &extremes_[0];
-    Extremes* joined = &extremes_[1];
-    for (ptrdiff_t i = 0; i < columns_; i++) {
-      found->lo[i] = 255;
-      found->end[i] = 0;
+    if (y % 2 == 0) find_column_extremes(y);
+    return quo::join_column_extremes(extremes_[y % 2], extremes_[2], columns_, 2 * half_.width + 1);
+  }
+
+  // Of row y and the one below it, in whose windows nearly the same rows are.
+  void find_column_extremes(int32_t y) {
+    const Window upper = window_of(0, y), lower = window_of(0, std::min(y + 1, frame_.height - 1));
+    const uint8_t* const above = lower.top > upper.top ? inside_row(upper.top) : quo::kWhiteRow.pixels;
+    const uint8_t* const below = lower.bottom > upper.bottom ? inside_row(lower.bottom) : quo::kWhiteRow.pixels;
+    const quo::SharedRows rows{above, inside_row(lower.top), below, frame_.width, upper.bottom - lower.top + 1};
+    const int32_t inside_end = inside_ + inside_count_;
+    for (const Extremes& found : {extremes_[0], extremes_[1]}) {
+      for (int32_t i = 0; i < inside_; i++) found.lo[i] = 255;
+      for (int32_t i = 0; i < inside_; i++) found.end[i] = 0;
+      for (int32_t i = inside_end; i < columns_; i++) found.lo[i] = 255;
+      for (int32_t i = inside_end; i < columns_; i++) found.end[i] = 0;
     }
-    const Window window = window_around(frame_, half_, left_, y);
-    for (int32_t j = window.top; j <= window.bottom; j++) {
-      widen(inside_row(j), found->lo + inside_, found->end + inside_, inside_count_);
-    }
-    const int32_t width = 2 * half_.width + 1;
-    for (int32_t reach = 1, step; reach < width; reach += step) {
-      step = std::min(reach, width - reach);
-      join(*found, step, *joined, columns_ - reach - step + 1);
-      std::swap(found, joined);
-    }
-    return *found;
+    quo::find_column_extremes(rows, inside_count_, {lo_[0] + inside_, end_[0] + inside_},
+                              {lo_[1] + inside_, end_[1] + inside_});
   }
 
   void settle(int32_t y, const Extremes& windows) {
-    const Window window = window_around(frame_, half_, left_, y);
-    const int32_t rows = window.bottom - window.top + 1;
-    const auto reach = static_cast<ptrdiff_t>(2 * half_.width + 1);
-    add_up_columns();
-    if (int64_t{rows} * reach > kMostPixels) {
-      for (int32_t i = 0; i < count_; i++) settled_[i] = kOpen;
-    } else {
-      float areas[kColumns];
-      for (int32_t i = 0; i < count_; i++) areas[i] = static_cast<float>(rows * columns_of(i));
-      settle_by_squares(pixel_row(y), windows.lo, windows.end, areas,
-                        {running_.values, running_.squares, running_.white, reach}, settled_, count_);
-    }
-    for (int32_t i = 0; i < count_; i += kGroup) settle_group(y, i, std::min(kGroup, count_ - i), rows);
-  }
-
-  void add_up_columns() {
-    running_.values[0] = running_.squares[0] = running_.white[0] = 0;
-    quo::add_up(sums_.values, running_.values + 1, columns_);
-    quo::add_up(sums_.squares, running_.squares + 1, columns_);
-    quo::add_up(sums_.white, running_.white + 1, columns_);
-  }
-
-  // Columns of the image in the window of pixel i.
-  int32_t columns_of(int32_t i) const {
-    return std::min(i + 2 * half_.width + 1, inside_ + inside_count_) - std::max(i, inside_);
-  }
-
-  uint32_t limit_of(int32_t i, uint8_t pixel, int32_t rows) const {
-    if (settled_[i] != kOpen || pixel == 0 || pixel == kWhite) return kNoLimit;
-    const uint32_t white = running_.white[i + 2 * half_.width + 1] - running_.white[i];
-    return static_cast<uint32_t>(rows * columns_of(i)) - white + white * (255U - pixel);
-  }
-
-  // Adds up the distances of a group of pixels, after 1, 2, 4 ... rows seeing whether all are settled.
-  void settle_group(int32_t y, int32_t first, int32_t count, int32_t window_rows) {
-    uint32_t limits[kGroup], totals[kGroup];
-    for (int32_t i = 0; i < count; i++) {
-      limits[i] = limit_of(first + i, pixel_row(y)[first + i], window_rows);
-      totals[i] = 0;
-    }
-    const Window window = window_around(frame_, half_, left_ + first, y);
-    const int32_t most_rows = kSafeAdditions / (2 * half_.width + 1);
-    int32_t rows = 1;
-    for (int32_t top = window.top; top <= window.bottom && count_open(totals, limits, count) > 0; top += rows) {
-      rows = std::min({top > window.top ? 2 * rows : 1, most_rows, window.bottom - top + 1});
-      uint16_t distances[kGroup];
-      for (int32_t i = 0; i < count; i++) distances[i] = 0;
-      for (int32_t j = top; j < top + rows; j++) add_row_distances(y, j, first, count, distances);
-      for (int32_t i = 0; i < count; i++) totals[i] += distances[i];
-    }
-    for (int32_t i = 0; i < count; i++) {
-      if (limits[i] != kNoLimit) settled_[first + i] = totals[i] > limits[i] ? kTextured : kFlat;
-    }
-  }
-
-  // Of a group's pixels from those of row j in their windows.
-  void add_row_distances(int32_t y, int32_t j, int32_t first, int32_t count, uint16_t* distances) const {
-    const uint8_t* const pixels = pixel_row(y) + first;
-    for (int32_t shift = -half_.width; shift <= half_.width; shift++) {
-      const int64_t x = int64_t{left_} + first + shift;  // of the first pixel's neighbour
-      const int32_t begin = x < 0 ? static_cast<int32_t>(-x) : 0, end = at_most(count, frame_.width - x);
-      if (begin >= end) continue;
-      add_distances(frame_.row(j) + static_cast<ptrdiff_t>(x + begin), pixels + begin, distances + begin, end - begin);
-    }
-  }
-
-  uint32_t stretch_row(int32_t y, const Extremes& windows, uint8_t* output) const {
     const uint8_t* const pixels = pixel_row(y);
-    uint32_t stretched = 0;
-    for (int32_t i = 0; i < count_; i++) {
-      if (pixels[i] > 0) output[i] = pixels[i];
-      if (settled_[i] != kTextured) continue;
-      output[i] = static_cast<uint8_t>(quo::stretched(pixels[i], windows.lo[i], windows.end[i] - 1));
-      stretched++;
+    count_pixels();
+    if (area_ <= kMostPixels) {
+      add_up_columns(values_ + inside_);
+      compare_sums(pixels, windows, numbers_, running_, last(), settled_, count_);
+      settle_by_sums(pixels, windows.lo, windows.end, settled_, count_);
+    } else {
+      for (int32_t i = 0; i < count_; i++) settled_[i] = pixels[i] == 0 || pixels[i] == kWhite ? kFlat : kOpen;
     }
-    return stretched;
+    settle_common_values(y);
+    uint16_t open[kColumns];
+    int32_t number = list_open(open);
+    if (number > count_ / 8 && area_ <= kMostPixels) {
+      settle_slopes(pixels);
+      number = list_open(open);
+    }
+    if (number == 0) return;
+    settle_common_values(y, open, number);
+    settle_others(y, open, number);
+  }
+
+  const uint32_t* last() const { return running_ + 2 * half_.width + 1; }
+
+  // Over the columns before each; sums of columns outside the image are 0.
+  template <typename Sum>
+  void add_up_columns(const Sum* sums) {
+    for (int32_t i = 0; i <= inside_; i++) running_[i] = 0;
+    quo::add_up(sums, running_ + inside_ + 1, inside_count_);
+    const int32_t inside_end = inside_ + inside_count_;
+    for (int32_t i = inside_end + 1; i <= columns_; i++) running_[i] = running_[inside_end];
+  }
+
+  void count_pixels() {
+    if (counted_) return;
+    add_up_columns(taken_ + inside_);
+    for (int32_t i = 0; i < count_; i++) {
+      numbers_[i] = static_cast<float>(static_cast<int32_t>(last()[i] - running_[i]));
+    }
+    counted_ = true;
+  }
+
+  // On smooth slopes many pixels are left open, few of each value: the two sides of a window level out in its sum.
+  void settle_slopes(const uint8_t* pixels) {
+    const WindowSums sums{running_, running_ + half_.width + 1, last()};
+    float left_numbers[kColumns];
+    add_up_columns(taken_ + inside_);
+    for (int32_t i = 0; i < count_; i++) {
+      left_numbers[i] = static_cast<float>(static_cast<int32_t>(sums.middle[i] - sums.before[i]));
+    }
+    add_up_columns(values_ + inside_);
+    settle_by_halves(pixels, numbers_, left_numbers, sums, settled_, count_);
+  }
+
+  // Lists the pixels that are open. Returns their number.
+  int32_t list_open(uint16_t* open) const {
+    int32_t number = 0;
+    for (int32_t i = 0; i < count_; i += 8) {
+      const uint64_t eight = quo::load_eight(settled_ + i);
+      static_assert(kOpen == 0 && kFlat == 1 && kTextured == 2);
+      for (uint64_t bits = ~(eight | eight >> 1) & quo::kEightTimes; bits != 0; bits &= bits - 1) {
+        open[number++] = static_cast<uint16_t>(i + std::countr_zero(bits) / 8);
+      }
+    }
+    return number;
+  }
+
+  // Returns the number of pixels that are open and have this value.
+  uint32_t settle_value(int32_t y, ValueDistances& distances) {
+    distances.move_to(y, {inside_row(0), frame_.width, inside_count_, frame_.height}, half_.height);
+    add_up_columns(distances.sums());
+    return settle_by_distances(pixel_row(y), distances.value(), numbers_, running_, last(), settled_, count_);
+  }
+
+  // The values that were common in the row above.
+  void settle_common_values(int32_t y) {
+    for (ValueDistances& distances : distances_) {
+      if (distances.row() < 0 || distances.row() != y - 1) continue;
+      if (settle_value(y, distances) < static_cast<uint32_t>(enough_) / 2) distances.reset(0);
+    }
+  }
+
+  // Values that have become common.
+  void settle_common_values(int32_t y, const uint16_t* open, int32_t open_count) {
+    if (2 * half_.height + 1 > ValueDistances::kMostRows || open_count < enough_) return;
+    uint16_t counts[256];
+    for (uint16_t& count : counts) count = 0;
+    for (int32_t k = 0; k < open_count; k++) {
+      const uint8_t value = pixel_row(y)[open[k]];
+      if (++counts[value] != enough_) continue;
+      ValueDistances* const end = distances_ + kMostCommon;
+      ValueDistances* const free = std::find_if(distances_, end, [y](const auto& used) { return used.row() != y; });
+      if (free == end) return;
+      free->reset(value);
+      settle_value(y, *free);
+    }
+  }
+
+  void settle_others(int32_t y, const uint16_t* open, int32_t open_count) {
+    const uint8_t* const pixels = pixel_row(y);
+    const uint8_t* const end = frame_.row(frame_.height);
+    for (int32_t k = 0; k < open_count; k++) {
+      const int32_t i = open[k];
+      if (settled_[i] != kOpen) continue;
+      const Window window = window_of(i, y);
+      const int32_t columns = window.right - window.left + 1, rows = window.bottom - window.top + 1;
+      const auto number = static_cast<uint32_t>(static_cast<int32_t>(numbers_[i]));
+      const uint32_t white = static_cast<uint32_t>(columns * rows) - number;
+      const bool textured =
+          quo::distances_exceed(number + white * (255U - pixels[i]), frame_.row(window.top) + window.left, frame_.width,
+                                columns, rows, pixels[i], end);
+      settled_[i] = textured ? kTextured : kFlat;
+    }
   }
 
   const GrayFrame& frame_;
@@ -288,12 +377,21 @@ class Strip {
   int32_t left_;  // column of the first pixel
   int32_t count_;
   int32_t columns_;
-  int32_t inside_;        // the first column in the image
-  int32_t inside_count_;  // columns in the image
-  ColumnSums sums_;       // over the rows of the windows
-  ColumnSums running_;    // entry i over the columns before i
-  Extremes extremes_[2];
+  int32_t inside_;             // the first column in the image
+  int32_t inside_count_;       // columns in the image
+  int32_t enough_;             // pixels that make a value common: found by measuring, where both ways take as long
+  int64_t area_;               // of a window
+  int32_t last_white_ = -1;    // row that entered and has background
+  bool counted_ = false;       // the pixels of the windows
+  uint32_t values_[kColumns];  // sums over the rows of the windows
+  uint16_t taken_[kColumns];   // numbers of these pixels, without background
+  uint32_t running_[kColumns + 1];
+  float numbers_[kColumns];  // of pixels in the windows, without background
+  uint8_t lo_[3][kColumns];  // in the columns of an even row's windows and the next row's, and a spare
+  uint8_t end_[3][kColumns];
+  const Extremes extremes_[3] = {{lo_[0], end_[0]}, {lo_[1], end_[1]}, {lo_[2], end_[2]}};
   uint8_t settled_[kColumns];
+  ValueDistances distances_[kMostCommon];
 };
 
 uint32_t stretch_strips(const GrayFrame& frame, const Half& half, uint8_t* output) {
@@ -359,6 +457,6 @@ uint32_t AreaGrayStretch(const uint8_t* source, uint8_t* output, int32_t width, 
     copy_but_black(frame, output);
     return 0;
   }
-  if (half.width > kWidestHalf) return stretch_pixel_by_pixel(frame, half, output);
+  if (half.width > kWidestHalf || half.height > kTallestHalf) return stretch_pixel_by_pixel(frame, half, output);
   return stretch_strips(frame, half, output);
 }

@@ -10,28 +10,28 @@ namespace {
 using quo::GrayFrame;
 using quo::kWhite;
 
-constexpr int32_t kSegment = 256;  // pixels whose sum fits in 16 bits
-static_assert(kSegment * 255 <= UINT16_MAX);
+constexpr int32_t kSegment = 224;  // whole vectors of pixels, whose sum fits in 16 bits, and their number in 8
+static_assert(kSegment * 255 <= UINT16_MAX && kSegment <= UINT8_MAX);
 
 struct Total {
   uint64_t sum = 0;
   uint64_t count = 0;
 };
 
-// Adds the pixels above a gray, which may be -1, but not those of 255.
-QUO_MULTIVERSION void add_segment(const uint8_t* pixels, int32_t count, int32_t above, Total& total) {
-  uint16_t sum = 0, number = 0;
+// Adds the pixels from a gray on, but not those of 255.
+QUO_MULTIVERSION void add_segment(const uint8_t* pixels, int32_t count, uint8_t from, Total& total) {
+  uint16_t sum = 0;
+  uint8_t number = 0;
   for (int32_t i = 0; i < count; i++) {
-    const auto gray = static_cast<int16_t>(pixels[i]);
-    const auto taken = static_cast<uint16_t>(gray > static_cast<int16_t>(above) && gray < kWhite ? UINT16_MAX : 0);
-    sum = static_cast<uint16_t>(sum + (taken & gray));
-    number = static_cast<uint16_t>(number + (taken & 1));
+    const auto taken = static_cast<uint8_t>(((pixels[i] >= from) & (pixels[i] != kWhite)) ? 255 : 0);
+    sum = static_cast<uint16_t>(sum + (pixels[i] & taken));
+    number = static_cast<uint8_t>(number + (taken & 1));
   }
   total.sum += sum;
   total.count += number;
 }
 
-Total total_above(const GrayFrame& frame, int32_t gray) {
+Total total_from(const GrayFrame& frame, uint8_t gray) {
   Total total;
   for (int32_t y = 1; y < frame.height - 1; y++) {
     const uint8_t* const row = frame.row(y);
@@ -49,9 +49,9 @@ Total total_above(const GrayFrame& frame, int32_t gray) {
 // The defining steps are off by 2^-46 for the mean and as much for each distance, which is 128 * 2^-53 of a deviation of 1
 // or more, and by n additions.
 bool quo::measure_contrast(const GrayFrame& frame, GlobalContrast& contrast) {
-  const Total all = total_above(frame, -1);
+  const Total all = total_from(frame, 0);
   if (all.count == 0) return false;
-  const Total high = total_above(frame, static_cast<int32_t>(all.sum / all.count));
+  const Total high = total_from(frame, static_cast<uint8_t>(all.sum / all.count + 1));
   const uint64_t low_sum = all.sum - high.sum, low_count = all.count - high.count;
   const uint64_t e = all.count * (high.sum - low_sum) - all.sum * (high.count - low_count);
   const auto count = static_cast<double>(all.count);

@@ -20,7 +20,7 @@ constexpr double kTargetMean = 128;
 constexpr double kTargetSpread = 100;     // twice the mean absolute deviation that the balanced image shall have
 constexpr int32_t kStrip = 1024;          // columns balanced at a time, for their means on the stack
 constexpr double kLargestQuickGain = 16;  // beyond, single precision leaves too much unclear
-constexpr int64_t kLargestQuickWindow = 8000000;         // pixels; their sum fits in 31 bits
+constexpr int64_t kLargestQuickWindow = 8000000;          // pixels; their sum fits in 31 bits
 constexpr uint64_t kMostQuickPixels = uint64_t{1} << 26;  // whose deviation is known without adding it up
 
 // The columns or rows of a window, from after the first number to the second.
@@ -31,17 +31,19 @@ struct Extent {
   ptrdiff_t size() const { return last - before; }
 };
 
-// A row of pixels with white replaced, or zeros in place of a row that there is none of.
+// Stands in for a row that there is none of.
+constexpr uint8_t kNoRow[kStrip] = {};
+
 void replace_white(const uint8_t* __restrict pixels, uint8_t* __restrict replaced, int32_t count, uint8_t background) {
-  for (int32_t i = 0; i < count; i++) replaced[i] = pixels == nullptr ? 0 : pixels[i];
-  for (int32_t i = 0; i < count; i++) replaced[i] = replaced[i] != kWhite ? replaced[i] : background;
+  for (int32_t i = 0; i < count; i++) replaced[i] = pixels[i] != kWhite ? pixels[i] : background;
 }
 
-QUO_MULTIVERSION void slide(const uint8_t* __restrict entering, const uint8_t* __restrict leaving,
+QUO_MULTIVERSION void slide(const uint8_t* __restrict entering, const uint8_t* __restrict leaving, uint8_t background,
                             uint32_t* __restrict columns, int32_t count) {
-  for (int32_t i = 0; i < count; i++) {
-    columns[i] += static_cast<uint32_t>(static_cast<int16_t>(entering[i] - leaving[i]));
-  }
+  uint8_t gained[kStrip], lost[kStrip];
+  replace_white(entering, gained, count, background);
+  replace_white(leaving, lost, count, background);
+  for (int32_t i = 0; i < count; i++) columns[i] += static_cast<uint32_t>(static_cast<int16_t>(gained[i] - lost[i]));
 }
 
 // Sums over the windows of one row of pixels after the other. Background counts as a gray of its own, and the outermost
@@ -85,11 +87,9 @@ class Windows {
   // Row 0 stands for none.
   void move(int32_t entering, int32_t leaving) {
     for (int32_t x = 1, count = 0; x < frame_.width - 1; x += count) {
-      uint8_t gained[kStrip], lost[kStrip];
       count = std::min(kStrip, frame_.width - 1 - x);
-      replace_white(entering > 0 ? frame_.row(entering) + x : nullptr, gained, count, background_);
-      replace_white(leaving > 0 ? frame_.row(leaving) + x : nullptr, lost, count, background_);
-      slide(gained, lost, columns_ + x, count);
+      slide(entering > 0 ? frame_.row(entering) + x : kNoRow, leaving > 0 ? frame_.row(leaving) + x : kNoRow,
+            background_, columns_ + x, count);
     }
   }
 
@@ -156,29 +156,38 @@ class Definition {
   Balance balance_;
 };
 
-// The means of the windows of a row's columns from `first` on, in single precision.
-QUO_MULTIVERSION void find_means(const Windows& windows, int32_t first, int32_t count, float* __restrict means) {
-  const auto mean_at = [&](int32_t x) {
-    const Extent columns = windows.columns(x);
-    return static_cast<float>(windows.sum(columns)) * (1.0F / static_cast<float>(windows.area(columns)));
-  };
-  // Windows left and right of these are cut at the edge.
-  const int32_t whole = std::clamp(windows.half_width() + 1 - first, 0, count);
-  const int32_t whole_end = std::clamp(windows.width() - 1 - windows.half_width() - first, whole, count);
-  for (int32_t i = 0; i < whole; i++) means[i] = mean_at(first + i);
-  if (whole < whole_end) {
-    const Extent columns = windows.columns(first + whole);
-    const float reciprocal = 1.0F / static_cast<float>(windows.area(columns));
-    const uint32_t* const before = windows.running() + columns.before;
-    const uint32_t* const last = windows.running() + columns.last;
-    for (int32_t i = 0; i < whole_end - whole; i++) {
-      means[whole + i] = static_cast<float>(static_cast<int32_t>(last[i] - before[i])) * reciprocal;
-    }
+// Means of windows side by side, in single precision, from the running sums at and before their columns. Where the sums
+// at one end do not move on, at the edge of the image, the windows grow or shrink.
+template <int kLast, int kBefore>
+inline void find_means(const uint32_t* last, const uint32_t* before, int32_t area, int32_t rows,
+                       float* __restrict means, int32_t count) {
+  for (int32_t i = 0; i < count; i++) {
+    const auto sum = static_cast<float>(static_cast<int32_t>(last[i * kLast] - before[i * kBefore]));
+    means[i] = sum * (1.0F / static_cast<float>(area + (kLast - kBefore) * rows * i));
   }
-  for (int32_t i = whole_end; i < count; i++) means[i] = mean_at(first + i);
 }
 
-// Replaces means by results in single precision, before they are truncated; by 0 where a rounding could decide.
+// The means of the windows of a row's columns from `first` on.
+QUO_MULTIVERSION void find_means(const Windows& windows, int32_t first, int32_t count, float* __restrict means) {
+  const int32_t left_end = windows.half_width() + 1;                 // from here on windows are not cut left,
+  const int32_t right = windows.width() - 1 - windows.half_width();  // and up to here not right
+  const int32_t middle = std::clamp(std::min(left_end, right) - first, 0, count);
+  const int32_t middle_end = std::clamp(std::max(left_end, right) - first, 0, count);
+  const auto find = [&](const auto& find_part, int32_t begin, int32_t end) {
+    if (begin >= end) return;
+    const Extent columns = windows.columns(first + begin);
+    find_part(windows.running() + columns.last, windows.running() + columns.before,
+              static_cast<int32_t>(windows.area(columns)), static_cast<int32_t>(windows.area({0, 1})), means + begin,
+              end - begin);
+  };
+  find(find_means<1, 0>, 0, middle);
+  if (left_end <= right) find(find_means<1, 1>, middle, middle_end);
+  if (left_end > right) find(find_means<0, 0>, middle, middle_end);
+  find(find_means<0, 1>, middle_end, count);
+}
+
+// Results in single precision, truncated; 255, which no result is, for background and where a rounding could decide.
+// Means are replaced by results, or by 0 where a rounding could decide what the moved value truncates to.
 //
 // With a unit roundoff of u = 2^-24, a mean is off by 3 u and so by less than 2^-14. The moved value adds half of that
 // and three roundings of values below 512: less than 2^-13. Its distance from the mean, below 640, is off by less than
@@ -186,8 +195,8 @@ QUO_MULTIVERSION void find_means(const Windows& windows, int32_t first, int32_t 
 // 2 u (640 gain + 511) and less than 2^-13 for mean and shift: together less than 2^-11 (gain + 1). The defining steps in
 // double precision are off by far less. What is below 1 gives 0 and what is 254 or more 254, so values are limited to
 // half a gray level inside that, where nothing is unclear.
-QUO_MULTIVERSION void balance_means(const uint8_t* __restrict pixels, const Balance& balance, float* __restrict means,
-                                    int32_t count) {
+QUO_MULTIVERSION void balance_pixels(const uint8_t* __restrict pixels, const Balance& balance, float* __restrict means,
+                                     int32_t count, uint8_t* __restrict output) {
   constexpr float kMovedMargin = 0x1p-12F;
   const auto gain = static_cast<float>(balance.gain), shift = static_cast<float>(balance.shift);
   const auto global_mean = static_cast<float>(balance.mean);
@@ -199,14 +208,10 @@ QUO_MULTIVERSION void balance_means(const uint8_t* __restrict pixels, const Bala
     const float limited = below > 0.5F ? below : 0.5F;
     means[i] = std::fabs(std::fabs(moved - whole) - 0.5F) < 0.5F - kMovedMargin ? limited : 0.0F;
   }
-}
-
-// Truncates results; 255, which no result is, for background and where a value is within `margin` of an integer.
-QUO_MULTIVERSION void truncate_results(const uint8_t* __restrict pixels, const float* __restrict results, float margin,
-                                       int32_t count, uint8_t* __restrict output) {
+  const float margin = 0x1p-11F * (gain + 1);
   for (int32_t i = 0; i < count; i++) {
-    const auto whole = static_cast<int32_t>(results[i]);
-    const float part = std::fabs(results[i] - static_cast<float>(whole) - 0.5F);
+    const auto whole = static_cast<int32_t>(means[i]);
+    const float part = std::fabs(means[i] - static_cast<float>(whole) - 0.5F);
     const int32_t marked = static_cast<int32_t>(part >= 0.5F - margin) | static_cast<int32_t>(pixels[i] == kWhite);
     output[i] = static_cast<uint8_t>(whole | -marked);
   }
@@ -230,7 +235,6 @@ void balance_image(const GrayFrame& frame, Windows& windows, const quo::GlobalCo
   const double error = static_cast<double>(contrast.count + 1024) * 0x1p-53;
   const Balance near(contrast, contrast.deviation, error);
   const bool quick = contrast.count <= kMostQuickPixels && near.gain <= kLargestQuickGain && small_windows;
-  const float margin = 0x1p-11F * (static_cast<float>(near.gain) + 1);
   Definition definition(frame, contrast, quick ? near : Balance(contrast, quo::defined_deviation(frame, contrast), 0));
   for (int32_t y = 0; y < frame.height; y++) {
     const uint8_t* const pixels = frame.row(y);
@@ -241,8 +245,7 @@ void balance_image(const GrayFrame& frame, Windows& windows, const quo::GlobalCo
       count = std::min(kStrip, frame.width - x);
       if (quick) {
         find_means(windows, x, count, means);
-        balance_means(pixels + x, near, means, count);
-        truncate_results(pixels + x, means, margin, count, results + x);
+        balance_pixels(pixels + x, near, means, count, results + x);
       } else {
         for (int32_t i = x; i < x + count; i++) results[i] = kWhite;
       }

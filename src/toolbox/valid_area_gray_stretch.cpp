@@ -2,6 +2,7 @@
 #include <cstddef>
 
 #include "frame/gray.h"
+#include "frame/multiversion.h"
 #include "frame/scratch.h"
 #include "quoFPAlg.h"
 #include "toolbox/gray_stretch.h"
@@ -32,15 +33,12 @@ int32_t bright_end(const uint32_t* cumulative, double pixels) {
   return level + 1;
 }
 
-void stretch(uint8_t* pixels, size_t count, int32_t lo, int32_t hi) {
-  uint8_t levels[kGrayLevels];
-  for (int32_t v = 0; v < quo::kWhite; v++) {
-    levels[v] = static_cast<uint8_t>(std::clamp(quo::stretched(v, lo, hi), 0, quo::kStretchedWhite));
+QUO_MULTIVERSION void stretch(uint8_t* pixels, ptrdiff_t count, uint8_t lo, uint8_t hi) {
+  const quo::StretchedRange stretched(lo, hi);
+  for (ptrdiff_t i = 0; i < count; i++) {
+    const uint8_t result = stretched(std::min(std::max(pixels[i], lo), hi));
+    pixels[i] = pixels[i] == quo::kWhite ? quo::kWhite : result;
   }
-  levels[quo::kWhite] = quo::kWhite;
-  // Rolled up, its speed hangs on where in memory the loop happens to lie.
-#pragma GCC unroll 8
-  for (size_t i = 0; i < count; i++) pixels[i] = levels[pixels[i]];
 }
 
 }  // namespace
@@ -54,6 +52,8 @@ uint32_t ValidAreaGrayStretch(uint8_t* image, int32_t width, int32_t height) {
   if (counted == 0) return 0;
   const int32_t lo = dark_end(histogram.get(), counted);
   const int32_t hi = bright_end(histogram.get(), counted);
-  if (lo < hi && hi > 1) stretch(image, static_cast<size_t>(pixels), lo, hi);
+  if (lo < hi && hi > 1) {
+    stretch(image, static_cast<ptrdiff_t>(pixels), static_cast<uint8_t>(lo), static_cast<uint8_t>(hi));
+  }
   return 1;
 }

@@ -37,6 +37,27 @@ TEST(AreaGrayStretch, DecidesFlatWindowsExactly) {
   }
 }
 
+// Smooth slopes, on which few pixels of a row have the same value.
+TEST(AreaGrayStretch, EqualsItsLiteralFormOnSlopes) {
+  for (const int32_t steps : {1, 2, 3, 5}) {
+    const Image image(430, 40, [&](int32_t x, int32_t y) { return x % 97 == 50 ? 255 : (x + 2 * y) / steps % 200; });
+    for (const int32_t window : {3, 7, 15}) expect_stretched(image, window, window);
+  }
+}
+
+// Values that are common in some rows and areas and not in others, with background here and there.
+TEST(AreaGrayStretch, EqualsItsLiteralFormWhereCommonValuesComeAndGo) {
+  Random random(90);
+  for (const int32_t half : {1, 4, 7}) {
+    const int32_t spread = random.between(1, 3);
+    const Image image(500, 70, [&](int32_t x, int32_t y) {
+      const int32_t base = 100 + (y / 17 * 5 + x / 150) % 7 * 3, shift = random.between(-spread, spread);
+      return y > 30 && random.chance(1) ? 255 : base + shift;
+    });
+    expect_stretched(image, 2 * half + 1, 2 * half + 1);
+  }
+}
+
 TEST(AreaGrayStretch, LeavesBackgroundOutOfWindowsAndBlackPixelsUnwritten) {
   const Image row(5, 1, {100, 102, 110, 120, 255});
   Image output(5, 1, 9);

@@ -25,6 +25,19 @@ TEST(ValidAreaGrayStretch, CutsAThousandthAtEachEnd) {
   EXPECT_EQ(two, Image(100, 10, [](int32_t x, int32_t) { return x < 50 ? 2 : 254; }));
 }
 
+// All 256 values, the range set by two of them that nearly all pixels have.
+TEST(ValidAreaGrayStretch, StretchesEveryValueByManyRanges) {
+  Random random(97);
+  for (int round = 0; round < 40; round++) {
+    const int32_t lo = random.between(1, 253);
+    const int32_t hi = random.between(lo, round % 2 == 0 ? std::min(lo + 9, 254) : 254);
+    Image image(640, 480, [&](int32_t x, int32_t y) { return y == 0 && x < 256 ? x : x % 2 == 0 ? lo : hi; });
+    Image expected = image;
+    EXPECT_EQ(ValidAreaGrayStretch(image.data(), 640, 480), reference::stretch_valid(expected));
+    EXPECT_EQ(image, expected) << lo << " to " << hi;
+  }
+}
+
 // One pixel in a thousand is the share itself, not more than it; a second one is more.
 TEST(ValidAreaGrayStretch, ComparesSharesInDoublePrecision) {
   for (int outliers = 0; outliers <= 3; outliers++) {
