@@ -111,8 +111,9 @@ void MyErodeEx(const uint8_t* image, int32_t width, int32_t height, int32_t bord
     if (marks.allocate(pixels)) quo_memset(marks.get(), 0, static_cast<uint32_t>(pixels));
     *mark_image = inspection.marks = marks.release();
   }
-  for (int32_t y = border; y < inspection.height - border; y++) {
-    if (!inspection.inspect_row(y, border, inspection.width - border)) break;
+  const int32_t right = inspection.width - border, bottom = border < right ? inspection.height - border : 0;
+  for (int32_t y = border; y < bottom; y++) {
+    if (!inspection.inspect_row(y, border, right)) break;
   }
   if (count != nullptr) *count = inspection.count;
 }
