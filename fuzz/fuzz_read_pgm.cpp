@@ -1,6 +1,5 @@
-// Any bytes behind the magic number of a graymap: a frame or a failure that says why. What is read is read again from the
-// file that the tool would write.
-// Input: P2 or P5, then the rest of the file.
+// Any bytes behind the magic number of a graymap: a frame or a failure that says why. What is read is read again from
+// the file that the tool would write. Input: P2 or P5, then the rest of the file.
 #include "formats/pgm.h"
 #include "support/reader.h"
 

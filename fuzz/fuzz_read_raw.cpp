@@ -1,5 +1,6 @@
-// Any bytes with a layout of raw frames: a frame of that size when there are as many, otherwise a failure that says why.
-// Input: length of the size as text (4 bits), bits of a pixel (2), order of its bytes (1), header (1); the text; the file.
+// Any bytes with a layout of raw frames: a frame of that size when there are as many, otherwise a failure that says
+// why. Input: length of the size as text (4 bits), bits of a pixel (2), order of its bytes (1), header (1); the text;
+// the file.
 #include "formats/pgm.h"
 #include "formats/png.h"
 #include "support/reader.h"

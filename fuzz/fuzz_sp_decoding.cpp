@@ -1,6 +1,5 @@
-// Any bytes as an Sp template: the decoder gives what the reference gives, looks at no more bytes, and the matcher scores
-// what was decoded.
-// Input: failing allocation, then the template.
+// Any bytes as an Sp template: the decoder gives what the reference gives, looks at no more bytes, and the matcher
+// scores what was decoded. Input: failing allocation, then the template.
 #include "reference/sptemplate.h"
 #include "support/fuzz.h"
 

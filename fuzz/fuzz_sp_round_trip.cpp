@@ -1,6 +1,6 @@
-// Any bytes as a profile record: what the encoder accepts, the decoder turns back into the same record. And the record of
-// any template that decodes, encoded and decoded again, is itself.
-// Input: failing allocation, 0 or 1 for a record or a template, then its bytes.
+// Any bytes as a profile record: what the encoder accepts, the decoder turns back into the same record. And the record
+// of any template that decodes, encoded and decoded again, is itself. Input: failing allocation, 0 or 1 for a record or
+// a template, then its bytes.
 #include "reference/sptemplate.h"
 #include "support/fuzz.h"
 

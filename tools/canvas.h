@@ -65,8 +65,8 @@ struct Series {
   Colour colour = colours::kBlue;
 };
 
-/** A picture under construction. Coordinates are picture pixels from the top left corner; pixel (0, 0) covers the square
- *  from (0, 0) to (1, 1), so the centre of frame pixel x at zoom z lies at (x + 0.5) * z. */
+/** A picture under construction. Coordinates are picture pixels from the top left corner; pixel (0, 0) covers the
+ *  square from (0, 0) to (1, 1), so the centre of frame pixel x at zoom z lies at (x + 0.5) * z. */
 class Canvas {
  public:
   Canvas(int width, int height, Colour background = colours::kPaper);

@@ -26,7 +26,8 @@ Canvas draw_strokes(const Frame& frame, const Frame& field, const Strokes& strok
 /** The blocks of 8 x 8 pixels that count as finger against a background value, the others dimmed, and their centre. */
 Canvas draw_valid_area(const Frame& frame, uint8_t background, int zoom);
 
-/** The blocks of the sensor score: background dimmed, the others with their direction, or a ring where there is none. */
+/** The blocks of the sensor score: background dimmed, the others with their direction, or a ring where there is
+ *  none. */
 Canvas draw_blocks(const Frame& frame, const Blocks& blocks, int zoom);
 
 /** Lines let what lies under them show; bad pixels are small and solid. */

@@ -8,8 +8,8 @@
 
 namespace quofp {
 
-/** A bar on standard error while it lives, if that is a terminal; nothing otherwise. After a while it shows the rate and
- *  the time left, too. */
+/** A bar on standard error while it lives, if that is a terminal; nothing otherwise. After a while it shows the rate
+ *  and the time left, too. */
 class Progress {
  public:
   /** `total` is nothing where it is not known. */

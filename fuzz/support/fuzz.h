@@ -48,8 +48,8 @@ class Input {
   std::span<const uint8_t> bytes_;
 };
 
-/** Starts counting allocations and lets one fail: byte 0 none, otherwise the one with index (byte - 1) % 128, from 128 on
- *  with all later ones. What no small frame needs fails in any case. */
+/** Starts counting allocations and lets one fail: byte 0 none, otherwise the one with index (byte - 1) % 128, from
+ *  128 on with all later ones. What no small frame needs fails in any case. */
 inline void arm_hooks(uint8_t byte) {
   quo_test::reset_hooks();
   quo_test::fail_above(1U << 24);

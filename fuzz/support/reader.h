@@ -10,8 +10,8 @@
 
 namespace quo_fuzz {
 
-/** The frame that `read` gives, or nothing when it fails as the tool can report. Every other exception ends the program.
- */
+/** The frame that `read` gives, or nothing when it fails as the tool can report. Every other exception ends the
+ *  program. */
 template <typename Read>
 std::optional<quofp::Frame> frame_or_failure(Read read) {
   try {

@@ -1,5 +1,5 @@
-// Stand-alone runner for a fuzz target: runs the inputs in the files and folders given, without libFuzzer. Reads them by
-// C functions, which the memory sanitizer knows; the C++ library's would need a build of their own.
+// Stand-alone runner for a fuzz target: runs the inputs in the files and folders given, without libFuzzer. Reads them
+// by C functions, which the memory sanitizer knows; the C++ library's would need a build of their own.
 //
 // Where words have 32 bits, folders of file systems with 64-bit offsets are read only when this is asked for.
 #define _FILE_OFFSET_BITS 64

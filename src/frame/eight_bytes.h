@@ -1,9 +1,12 @@
 // Eight bytes looked at as one number.
 #pragma once
 
+#include <bit>
 #include <cstdint>
 
 namespace quo {
+
+static_assert(std::endian::native == std::endian::little, "the first byte is the lowest of the number");
 
 /** A byte times this is that byte eight times. */
 inline constexpr uint64_t kEightTimes = 0x0101010101010101;

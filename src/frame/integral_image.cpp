@@ -1,9 +1,9 @@
 #include "frame/integral_image.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstddef>
 
+#include "frame/eight_bytes.h"
 #include "frame/multiversion.h"
 #include "quoFPAlg.h"
 
@@ -17,11 +17,13 @@ namespace {
 using Bytes16 = uint8_t __attribute__((vector_size(16)));
 using Words8 = uint16_t __attribute__((vector_size(16)));
 using Sums4 = uint32_t __attribute__((vector_size(16)));
+using Halves = uint64_t __attribute__((vector_size(16)));
 
-constexpr int32_t kStep = 8;  // pixels at once
+constexpr int32_t kEight = 8;     // numbers at once
+constexpr int32_t kSixteen = 16;  // pixels of which wider vectors add the sums at once
 
-// Unaligned; the compiler makes one instruction of it.
-Sums4 load(const uint32_t* from) {
+// Four numbers as 32 bits each. Unaligned; the compiler makes one instruction of it.
+Sums4 load_four(const uint32_t* from) {
   Sums4 sums;
   __builtin_memcpy(&sums, from, sizeof sums);
   return sums;
@@ -30,10 +32,7 @@ Sums4 load(const uint32_t* from) {
 // Running sums of eight pixels, in three additions of the sums themselves, shifted by 1, 2 and 4 pixels.
 Words8 running_sums(const uint8_t* source) {
   const Words8 zero{};
-  uint64_t pixels;
-  __builtin_memcpy(&pixels, source, sizeof pixels);
-  using Halves = uint64_t __attribute__((vector_size(16)));
-  const auto bytes = reinterpret_cast<Bytes16>(Halves{pixels, 0});
+  const auto bytes = reinterpret_cast<Bytes16>(Halves{quo::load_eight(source), 0});
   auto sums = reinterpret_cast<Words8>(__builtin_shufflevector(bytes, Bytes16{}, 0, 16, 1, 17, 2, 18, 3, 19,  //
                                                                4, 20, 5, 21, 6, 22, 7, 23));
   sums += __builtin_shufflevector(zero, sums, 0, 8, 9, 10, 11, 12, 13, 14);
@@ -43,27 +42,23 @@ Words8 running_sums(const uint8_t* source) {
 }
 
 void store_sum(const uint32_t* above, Sums4 run, uint32_t* sums) {
-  const Sums4 sum = load(above) + run;
+  const Sums4 sum = load_four(above) + run;
   __builtin_memcpy(sums, &sum, sizeof sum);
 }
-
-// Four numbers as 32 bits each.
-Sums4 load_four(const uint32_t* from) { return load(from); }
 
 Sums4 load_four(const uint16_t* from) {
   uint64_t four;
   __builtin_memcpy(&four, from, sizeof four);
-  using Halves = uint64_t __attribute__((vector_size(16)));
   return reinterpret_cast<Sums4>(
       __builtin_shufflevector(reinterpret_cast<Words8>(Halves{four, 0}), Words8{}, 0, 8, 1, 9, 2, 10, 3, 11));
 }
 
-QUO_BASELINE uint32_t add_rows(const uint8_t* __restrict source, const uint32_t* __restrict above,
-                               uint32_t* __restrict sums, int32_t width, uint32_t run) {
+// Adds the running sums of a multiple of sixteen pixels to those of the row above; returns the last running sum.
+QUO_BASELINE uint32_t add_pixels(const uint8_t* __restrict source, const uint32_t* __restrict above,
+                                 uint32_t* __restrict sums, int32_t count) {
   const Words8 zero{};
-  Sums4 before = Sums4{} + run;
-  int32_t x = 0;
-  for (; x <= width - kStep; x += kStep) {
+  Sums4 before{};
+  for (int32_t x = 0; x < count; x += kEight) {
     const Words8 part = running_sums(source + x);
     const Sums4 low = reinterpret_cast<Sums4>(__builtin_shufflevector(part, zero, 0, 8, 1, 9, 2, 10, 3, 11)) + before;
     const Sums4 high =
@@ -72,12 +67,7 @@ QUO_BASELINE uint32_t add_rows(const uint8_t* __restrict source, const uint32_t*
     store_sum(above + x + 4, high, sums + x + 4);
     before = __builtin_shufflevector(high, high, 3, 3, 3, 3);
   }
-  run = before[0];
-  for (; x < width; x++) {
-    run += source[x];
-    sums[x] = run + above[x];
-  }
-  return run;
+  return before[0];
 }
 
 // A multiple of four numbers.
@@ -95,8 +85,6 @@ uint32_t add_up_fours(const Number* __restrict values, uint32_t* __restrict sums
   }
   return before[0];
 }
-
-constexpr int32_t kEight = 8;
 
 // A multiple of eight numbers.
 QUO_BASELINE uint32_t add_up_eights(const uint32_t* __restrict values, uint32_t* __restrict sums, int32_t count) {
@@ -134,11 +122,10 @@ uint32_t first_of(__m256i eight) { return static_cast<uint32_t>(_mm256_cvtsi256_
 
 #pragma GCC pop_options
 
-QUO_WIDE uint32_t add_rows(const uint8_t* __restrict source, const uint32_t* __restrict above,
-                           uint32_t* __restrict sums, int32_t width, uint32_t run) {
-  __m256i before = _mm256_set1_epi32(static_cast<int32_t>(run));
-  int32_t x = 0;
-  for (; x <= width - 2 * kEight; x += 2 * kEight) {
+QUO_WIDE uint32_t add_pixels(const uint8_t* __restrict source, const uint32_t* __restrict above,
+                             uint32_t* __restrict sums, int32_t count) {
+  __m256i before = _mm256_setzero_si256();
+  for (int32_t x = 0; x < count; x += kSixteen) {
     __m256i part = _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(source + x)));
     part = _mm256_add_epi16(part, _mm256_slli_si256(part, 2));
     part = _mm256_add_epi16(part, _mm256_slli_si256(part, 4));
@@ -150,12 +137,7 @@ QUO_WIDE uint32_t add_rows(const uint8_t* __restrict source, const uint32_t* __r
     store_sums(above + x + kEight, _mm256_add_epi32(high, before), sums + x + kEight);
     before = _mm256_add_epi32(before, last_of(high));
   }
-  run = first_of(before);
-  for (; x < width; x++) {
-    run += source[x];
-    sums[x] = run + above[x];
-  }
-  return run;
+  return first_of(before);
 }
 
 QUO_WIDE uint32_t add_up_eights(const uint32_t* __restrict values, uint32_t* __restrict sums, int32_t count) {
@@ -176,6 +158,16 @@ QUO_WIDE uint32_t add_up_eights(const uint16_t* __restrict values, uint32_t* __r
 }
 #endif
 
+// Adds the running sums of a row of pixels to those of the row above.
+void add_row(const uint8_t* source, const uint32_t* above, uint32_t* sums, int32_t width) {
+  const int32_t whole = width / kSixteen * kSixteen;
+  uint32_t run = add_pixels(source, above, sums, whole);
+  for (int32_t x = whole; x < width; x++) {
+    run += source[x];
+    sums[x] = run + above[x];
+  }
+}
+
 template <typename Number>
 void add_up_numbers(const Number* values, uint32_t* sums, int32_t count) {
   const int32_t whole = std::max(count, 0) / kEight * kEight;
@@ -184,12 +176,6 @@ void add_up_numbers(const Number* values, uint32_t* sums, int32_t count) {
 }
 
 }  // namespace
-
-uint32_t quo::add_running_sums(const uint8_t* source, const uint32_t* above, uint32_t* sums, int32_t width,
-                               uint32_t run) {
-  static_assert(std::endian::native == std::endian::little, "a pixel and a zero byte are read as one number");
-  return add_rows(source, above, sums, width, run);
-}
 
 void quo::add_up(const uint32_t* values, uint32_t* sums, int32_t count) { add_up_numbers(values, sums, count); }
 void quo::add_up(const uint16_t* values, uint32_t* sums, int32_t count) { add_up_numbers(values, sums, count); }
@@ -202,7 +188,7 @@ void GetGrayIntegralImage(const uint8_t* source, uint32_t* integral, int32_t wid
     uint32_t* const above = integral;
     integral += row;
     integral[0] = 0;
-    quo::add_running_sums(source, above + 1, integral + 1, width, 0);
-    source += stride;
+    add_row(source, above + 1, integral + 1, width);
+    if (y < height - 1) source += stride;
   }
 }

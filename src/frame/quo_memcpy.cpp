@@ -29,8 +29,8 @@ QUO_MULTIVERSION uint32_t copy_chunks(uint8_t* destination, const uint8_t* sourc
 }
 
 // Whether reading `size` bytes before writing them gives what byte after byte would: true unless the destination starts
-// inside what is read, where each byte must be seen by the reads that follow it. A destination below the source wraps to
-// a large distance.
+// inside what is read, where each byte must be seen by the reads that follow it. A destination below the source wraps
+// to a large distance.
 bool together_equals_one_by_one(const uint8_t* destination, const uint8_t* source, uint32_t size) {
   return reinterpret_cast<uintptr_t>(destination) - reinterpret_cast<uintptr_t>(source) >= size;
 }

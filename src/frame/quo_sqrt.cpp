@@ -4,9 +4,9 @@
 
 // Thresholds of the callers depend on the last bits of the result, so every rounding below is part of the contract.
 //
-// The subtraction from 1.5 rounds once. Written in double it does so without a call of the platform's fma: the product of
-// two floats is exact there, and so is the difference wherever it is not far from 1, as in every step for x of 0 or more.
-// Compared with the fused form over all 2^32 inputs, the results are the same bits.
+// The subtraction from 1.5 rounds once. Written in double it does so without a call of the platform's fma: the product
+// of two floats is exact there, and so is the difference wherever it is not far from 1, as in every step for x of 0 or
+// more. Compared with the fused form over all 2^32 inputs, the results are the same bits.
 float quo_sqrt(float x) {
   constexpr int32_t kMagic = 0x5F375A86;  // first guess of the reciprocal root, from the bits of x
   constexpr int kNewtonSteps = 3;

@@ -8,6 +8,8 @@
 
 namespace {
 
+using quo::GrayFrame;
+
 constexpr uint32_t kNoBlockOutput = 2;  // result code of this function alone
 
 constexpr double kBrightMargin = 3.5;           // gray levels above the mean from which a sample counts as bright
@@ -30,14 +32,7 @@ constexpr int8_t kLineDx[kLines][kPoints] = {{-6, -4, -2, 2, 4, 6}, {-6, -4, -2,
                                              {-3, -2, -1, 1, 2, 3}, {0, 0, 0, 0, 0, 0},    {3, 2, 1, -1, -2, -3},
                                              {6, 4, 2, -2, -4, -6}, {6, 4, 2, -2, -4, -6}};
 
-struct Frame {
-  const uint8_t* pixels;
-  int32_t width;
-  int32_t height;
-
-  const uint8_t* at(int32_t x, int32_t y) const { return pixels + static_cast<ptrdiff_t>(y) * width + x; }
-  bool has_room_for_lines() const { return width > 2 * kReach && height > 2 * kReach; }
-};
+bool has_room_for_lines(const GrayFrame& frame) { return frame.width > 2 * kReach && frame.height > 2 * kReach; }
 
 /** The points of the lines as distances from the centre in a frame's memory. */
 struct LineOffsets {
@@ -78,12 +73,12 @@ void take_neighbours(const uint8_t* const (&blocks)[kBlocks], int32_t width, int
 
 // The samples of one block, each beside the one before; returns their number.
 template <int32_t size>
-size_t take_samples(const uint8_t* __restrict block, int32_t width, int32_t* __restrict samples) {
+size_t take_samples(const uint8_t* __restrict block, int32_t width, int32_t (*__restrict samples)[1]) {
   size_t count = 0;
   for (int32_t y = 0; y < size; y += Sampling<size>::kStep) {
     const uint8_t* const row = block + static_cast<ptrdiff_t>(y) * width;
     for (int32_t x = 0; x < size; x += Sampling<size>::kStep) {
-      samples[count] = row[x];
+      samples[count][0] = row[x];
       count += row[x] != quo::kWhite ? 1 : 0;
     }
   }
@@ -100,7 +95,8 @@ struct Measures {
   double deviations[blocks];
 };
 
-// The sums run in the order of the samples: a mean of other than 16 samples is rounded, and so are the differences from it.
+// The sums run in the order of the samples: a mean of other than 16 samples is rounded, and so are the differences from
+// it.
 template <size_t blocks>
 void measure(const int32_t (*__restrict samples)[blocks], size_t count, Measures<blocks>& __restrict measures) {
   for (size_t i = 0; i < blocks; i++) {
@@ -164,7 +160,7 @@ int32_t with_reach(int32_t centre, int32_t size) {
 template <int32_t size>
 void measure_samples(const uint8_t* block, int32_t width, quo_block_record& record) {
   int32_t samples[Sampling<size>::kSamples][1];
-  const size_t count = take_samples<size>(block, width, samples[0]);
+  const size_t count = take_samples<size>(block, width, samples);
   if (count == 0) {
     record.mean = quo::kWhite;
     record.deviation = 0.0;
@@ -200,22 +196,23 @@ void measure_neighbours(const uint8_t* first, int32_t width, size_t count, quo_b
 
 // The direction code of a measured block. One that is all white is bright and flat.
 template <int32_t size>
-int8_t direction(const Frame& frame, const LineOffsets& lines, int32_t x, int32_t y, const quo_block_record& block) {
+int8_t direction(const GrayFrame& frame, const LineOffsets& lines, int32_t x, int32_t y,
+                 const quo_block_record& block) {
   if (block.deviation < kFlatDeviation && block.mean >= kBackgroundMean) return quo::kBackgroundBlock;
-  if (block.deviation <= kDirectionDeviation || !frame.has_room_for_lines()) return 0;
+  if (block.deviation <= kDirectionDeviation || !has_room_for_lines(frame)) return 0;
   const int32_t centre_x = with_reach(x + size / 2, frame.width), centre_y = with_reach(y + size / 2, frame.height);
-  return dominant_line(frame.at(centre_x, centre_y), lines);
+  return dominant_line(frame.row(centre_y) + centre_x, lines);
 }
 
 template <int32_t size>
-void measure_blocks(const Frame& frame, quo_block_record* block) {
+void measure_blocks(const GrayFrame& frame, quo_block_record* block) {
   if (frame.width < size || frame.height < size) return;
   const LineOffsets lines(frame.width);
   const int32_t across = frame.width / size, bottom = frame.height / size * size;
   for (int32_t y = 0; y < bottom; y += size, block += across) {
     for (int32_t i = 0; i < across; i += int32_t{kBlocks}) {
       const size_t count = std::min(kBlocks, static_cast<size_t>(across - i));
-      measure_neighbours<size>(frame.at(i * size, y), frame.width, count, block + i);
+      measure_neighbours<size>(frame.row(y) + i * size, frame.width, count, block + i);
     }
     for (int32_t i = 0; i < across; i++) block[i].direction = direction<size>(frame, lines, i * size, y, block[i]);
   }
@@ -230,7 +227,7 @@ uint32_t BlockOrientation_MCU(const uint8_t* image, int32_t width, int32_t heigh
   const uint64_t records_needed = quo::pixel_count(width / size, height / size);
   quo::Scratch<quo_block_record> records;
   if (!records.allocate(records_needed)) return QUO_NO_MEMORY;
-  const Frame frame{image, width, height};
+  const GrayFrame frame{image, width, height};
   if (size == 16) measure_blocks<16>(frame, records.get());
   if (size == 10) measure_blocks<10>(frame, records.get());
   if (size == 8) measure_blocks<8>(frame, records.get());

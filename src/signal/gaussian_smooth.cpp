@@ -11,8 +11,8 @@ inline uint8_t mean(uint8_t a, uint8_t b) { return static_cast<uint8_t>((a & b) 
 
 // (before + 2 x middle + after) / 4, rounded down, for a run of pixels. Rounding the mean of the outer two down first
 // changes nothing, since floor((floor(a / 2) + b) / 2) = floor((a + 2b) / 4), and keeps every step within a byte.
-// Never inlined: a compiler that sees the three runs to be one, shifted, carries pixels from step to step and then finds
-// no vectors.
+// Never inlined: a compiler that sees the three runs to be one, shifted, carries pixels from step to step and then
+// finds no vectors.
 [[gnu::noinline]] void smooth_run(const uint8_t* __restrict before, const uint8_t* __restrict middle,
                                   const uint8_t* __restrict after, uint8_t* __restrict smoothed, ptrdiff_t count) {
   for (ptrdiff_t i = 0; i < count; i++) smoothed[i] = mean(mean(before[i], after[i]), middle[i]);

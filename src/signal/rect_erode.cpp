@@ -16,8 +16,8 @@ void intersect_rows(const uint8_t* __restrict above, const uint8_t* __restrict m
 }
 
 // Sets the outputs whose three columns are set and returns how many; of the others no bit changes.
-// Never inlined: a compiler that sees the columns to be one row shifted carries pixels from step to step, and then finds
-// no vectors.
+// Never inlined: a compiler that sees the columns to be one row shifted carries pixels from step to step, and then
+// finds no vectors.
 [[gnu::noinline]] uint8_t keep_set(const uint8_t* __restrict left, const uint8_t* __restrict middle,
                                    const uint8_t* __restrict right, uint8_t* __restrict output, int32_t count) {
   uint8_t kept = 0;

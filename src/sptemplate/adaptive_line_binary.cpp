@@ -54,6 +54,6 @@ uint32_t AdaptiveLineBinary(uint8_t* line, int32_t n) {
   const uint32_t* const sums = integral.get() + entries;
 
   binarize_cut_windows(line, sums, n);
-  binarize_whole_windows(line + kReach, sums, n - 2 * kReach);
+  if (n >= kWindow) binarize_whole_windows(line + kReach, sums, n - 2 * kReach);
   return QUO_OK;
 }

@@ -13,8 +13,8 @@ constexpr uint32_t kShortRun = 16;
 static_assert(QUO_SP_MAX_READ ==
               quo::kRecordHeader + quo::kSectionHeader + 2 * (kLargestPayload - quo::kSectionHeader) + 1);
 
-/** Expands the coded sections of a template. Input is read only while the record has room for what it codes, so the room
- *  bounds the reading as well as the writing. */
+/** Expands the coded sections of a template. Input is read only while the record has room for what it codes, so the
+ *  room bounds the reading as well as the writing. */
 class SectionDecoder {
  public:
   SectionDecoder(const uint8_t* coded, uint8_t* payload, uint32_t length)
@@ -51,8 +51,8 @@ class SectionDecoder {
     return true;
   }
 
-  // Most runs are short. Where the record has room for sixteen bytes all are written: those after the run are overwritten
-  // by what follows, for a record is only handed out when it is full.
+  // Most runs are short. Where the record has room for sixteen bytes all are written: those after the run are
+  // overwritten by what follows, for a record is only handed out when it is full.
   void fill_run(uint8_t value, uint32_t count) {
     if (count <= kShortRun && room_ >= kShortRun) {
       for (uint32_t i = 0; i < kShortRun; i++) out_[i] = value;

@@ -14,11 +14,7 @@ constexpr uint32_t kTrailer = 1;       // bytes: the version again
 constexpr uint32_t kGroup = 64;  // positions whose run ends are found together
 
 // The lowest bits of eight bytes of 0 or 1, the first byte's lowest: byte k moves to bit 56 + k, and no two meet below.
-uint64_t gather_bits(const uint8_t* flags) {
-  uint64_t eight = quo::load_eight(flags);
-  if constexpr (std::endian::native == std::endian::big) eight = __builtin_bswap64(eight);
-  return eight * 0x0102040810204080 >> 56;
-}
+uint64_t gather_bits(const uint8_t* flags) { return quo::load_eight(flags) * 0x0102040810204080 >> 56; }
 
 // A bit for each of at most 64 positions that differs from the one after it.
 uint64_t find_run_ends(const uint8_t* profile, uint32_t count) {
@@ -57,9 +53,9 @@ uint8_t* encode_section(const quo::Section& section, uint8_t* coded) {
   return write_run(section.profile[begin], section.length - begin, coded);
 }
 
-// Codes all sections and returns their end, null when the record is none: its sections do not fill it exactly, or one is
-// empty, which the coded form cannot express. A section of n bytes takes at most 2 + 2n bytes, less than twice its 2 + n
-// in the record.
+// Codes all sections and returns their end, null when the record is none: its sections do not fill it exactly, or one
+// is empty, which the coded form cannot express. A section of n bytes takes at most 2 + 2n bytes, less than twice its 2
+// + n in the record.
 uint8_t* encode_sections(const uint8_t* record, uint8_t* coded) {
   quo::SectionWalk walk(record);
   while (!walk.at_end()) {

@@ -27,8 +27,8 @@ struct SampledFrame {
   }
 };
 
-// Payload length of the record: three rows and three columns with their length fields. 0 for a frame that leaves nothing
-// between its margins or whose record is too long for the length field.
+// Payload length of the record: three rows and three columns with their length fields. 0 for a frame that leaves
+// nothing between its margins or whose record is too long for the length field.
 uint32_t record_payload(int32_t width, int32_t height) {
   if (width <= 2 * kMargin || height <= 2 * kMargin) return 0;
   const int64_t both = static_cast<int64_t>(width) + height - 4 * kMargin;

@@ -1,22 +1,22 @@
 #include <algorithm>
 #include <bit>
-#include <cmath>
 #include <cstddef>
 
 #include "frame/eight_bytes.h"
 #include "frame/gray.h"
 #include "frame/integral_image.h"
-#include "frame/multiversion.h"
 #include "quoFPAlg.h"
 #include "toolbox/gray_stretch.h"
+#include "toolbox/settled_pixels.h"
 #include "toolbox/value_distances.h"
 #include "toolbox/window_extremes.h"
 
 // A pixel v is stretched when the distances of the n pixels of its window from it, background left out, add up to more
 // than n. Most pixels are settled by the sum s of their window, carried from row to row: distances add up to
-// |s - nv| or more, and to just that for the smallest and the largest pixel of a window. What this leaves open lies mostly
-// in areas of a few gray levels, where many pixels of a row have the same value: the distances from common values are
-// carried from row to row too. For the pixels that remain they are added up, no further than until they exceed n.
+// |s - nv| or more, and to just that for the smallest and the largest pixel of a window. What this leaves open lies
+// mostly in areas of a few gray levels, where many pixels of a row have the same value: the distances from common
+// values are carried from row to row too. For the pixels that remain they are added up, no further than until they
+// exceed n.
 namespace {
 
 using quo::Extremes;
@@ -26,16 +26,15 @@ using quo::kWhite;
 using quo::ValueDistances;
 
 constexpr int32_t kColumns = quo::kStripColumns;
-constexpr int32_t kWidestHalf = 128;  // of a window in a strip; larger windows are read pixel by pixel
-constexpr int32_t kTallestHalf = 32639;
-constexpr int32_t kVector = 32;  // pixels; a strip with others after it has a multiple of them
+constexpr int32_t kWidestHalf = 127;  // of a window in a strip; larger windows are read pixel by pixel
+constexpr int32_t kVector = 32;       // pixels, of which strips with others after them have a multiple where they can
 
 // Sums over windows of at most so many pixels, and two distances more, are below 2^24 and so exact in single precision.
 constexpr int64_t kMostPixels = (1 << 24) / 254 - 2;
 static_assert(int64_t{ValueDistances::kMostRows} * (2 * kWidestHalf + 1) <= kMostPixels);
 
 // Numbers of pixels are exact there too, and distances and limits, at most 255 for each pixel, fit in 32 bits.
-static_assert((2 * kWidestHalf + 1) * (2 * kTallestHalf + 1) <= 1 << 24);
+static_assert((2 * kWidestHalf + 1) * (2 * INT16_MAX + 1) <= 1 << 24);
 
 struct Window {
   int32_t left, right, top, bottom;  // the last column and row included
@@ -44,130 +43,6 @@ struct Window {
 Window window_around(const GrayFrame& frame, const Half& half, int32_t x, int32_t y) {
   return {std::max(x - half.width, 0), x + std::min(half.width, frame.width - 1 - x),  //
           std::max(y - half.height, 0), y + std::min(half.height, frame.height - 1 - y)};
-}
-
-// Returns whether the row that enters has background.
-QUO_MULTIVERSION bool slide_values(const uint8_t* __restrict entering, const uint8_t* __restrict leaving,
-                                   uint32_t* __restrict values, int32_t count) {
-  uint8_t brightest = 0;
-  for (int32_t i = 0; i < count; i++) brightest = std::max(brightest, entering[i]);
-  for (int32_t i = 0; i < count; i++) {
-    const uint8_t in = entering[i] != kWhite ? entering[i] : 0, out = leaving[i] != kWhite ? leaving[i] : 0;
-    values[i] += static_cast<uint32_t>(static_cast<int16_t>(in - out));
-  }
-  return brightest == kWhite;
-}
-
-QUO_MULTIVERSION void slide_numbers(const uint8_t* __restrict entering, const uint8_t* __restrict leaving,
-                                    uint16_t* __restrict numbers, int32_t count) {
-  for (int32_t i = 0; i < count; i++) {
-    numbers[i] = static_cast<uint16_t>(numbers[i] + (entering[i] != kWhite ? 1 : 0) - (leaving[i] != kWhite ? 1 : 0));
-  }
-}
-
-// What is known of a pixel.
-enum Settled : uint8_t { kOpen, kFlat, kTextured };
-
-// Running sums before and in the windows of pixels side by side; the left halves end at the pixels.
-struct WindowSums {
-  const uint32_t* before;
-  const uint32_t* middle;
-  const uint32_t* last;
-};
-
-// Whether |s - nv| and twice the distance of v from the nearer extreme exceed n. With distances of P in all upwards and
-// N downwards, s - nv = P - N; and P + N is |P - N| and twice the smaller of both, which is no less than the distance
-// of the extreme on its side. All are whole numbers below 2^24: n v <= 254 n, and s <= 254 n.
-QUO_MULTIVERSION void compare_sums(const uint8_t* __restrict pixels, const Extremes& windows,
-                                   const float* __restrict numbers, const uint32_t* __restrict before,
-                                   const uint32_t* __restrict last, uint8_t* __restrict far, int32_t count) {
-  const uint8_t* const lo = windows.lo;
-  const uint8_t* const end = windows.end;
-  for (int32_t i = 0; i < count; i++) {
-    const auto below = static_cast<uint8_t>(pixels[i] - lo[i]), above = static_cast<uint8_t>(end[i] - 1 - pixels[i]);
-    const auto side = static_cast<float>(std::min(below, above));
-    const auto sum = static_cast<float>(static_cast<int32_t>(last[i] - before[i]));
-    const float distances = std::fabs(sum - numbers[i] * static_cast<float>(pixels[i])) + (side + side);
-    far[i] = static_cast<uint8_t>(static_cast<int32_t>(distances > numbers[i]));
-  }
-}
-
-// From what compare_sums() says. Pixels of 0 and 255 are never stretched, nor are those with distances of 0 and 1 only.
-QUO_MULTIVERSION void settle_by_sums(const uint8_t* __restrict pixels, const uint8_t* __restrict lo,
-                                     const uint8_t* __restrict end, uint8_t* __restrict settled, int32_t count) {
-  for (int32_t i = 0; i < count; i++) {
-    const auto below = static_cast<uint8_t>(pixels[i] - lo[i]), above = static_cast<uint8_t>(end[i] - pixels[i]);
-    const auto kept = static_cast<uint8_t>((pixels[i] == 0) | (pixels[i] == kWhite));
-    const auto known = static_cast<uint8_t>((below == 0) | (above == 1) | ((below == 1) & (above == 2)));
-    const uint8_t flat = (known | settled[i]) != 0 ? kFlat : kOpen;
-    settled[i] = static_cast<uint8_t>(kept != 0 ? kFlat : flat + settled[i]);
-  }
-}
-
-// Open pixels by the halves of their windows, whose distances add up to |s - nv| or more each.
-QUO_MULTIVERSION void settle_by_halves(const uint8_t* __restrict pixels, const float* __restrict numbers,
-                                       const float* __restrict left_numbers, const WindowSums& sums,
-                                       uint8_t* __restrict settled, int32_t count) {
-  const uint32_t* const before = sums.before;
-  const uint32_t* const middle = sums.middle;
-  const uint32_t* const last = sums.last;
-  uint8_t far[kColumns];
-  for (int32_t i = 0; i < count; i++) {
-    const auto pixel = static_cast<float>(pixels[i]), right_number = numbers[i] - left_numbers[i];
-    const float left = static_cast<float>(static_cast<int32_t>(middle[i] - before[i])) - left_numbers[i] * pixel;
-    const float right = static_cast<float>(static_cast<int32_t>(last[i] - middle[i])) - right_number * pixel;
-    far[i] = static_cast<uint8_t>(static_cast<int32_t>(std::fabs(left) + std::fabs(right) > numbers[i]));
-  }
-  for (int32_t i = 0; i < count; i++) {
-    const auto open = static_cast<uint8_t>(settled[i] == kOpen ? kTextured : 0);
-    settled[i] = static_cast<uint8_t>(settled[i] | ((far[i] + far[i]) & open));
-  }
-}
-
-// Open pixels of one value, with running sums of the distances from it. Returns their number.
-QUO_MULTIVERSION uint32_t settle_by_distances(const uint8_t* __restrict pixels, uint8_t value,
-                                              const float* __restrict numbers, const uint32_t* __restrict before,
-                                              const uint32_t* __restrict last, uint8_t* __restrict settled,
-                                              int32_t count) {
-  uint8_t far[kColumns];
-  for (int32_t i = 0; i < count; i++) {
-    const auto distances = static_cast<float>(static_cast<int32_t>(last[i] - before[i]));
-    far[i] = static_cast<uint8_t>(static_cast<int32_t>(distances > numbers[i]));
-  }
-  uint32_t number = 0;
-  for (int32_t i = 0; i < count; i++) {
-    const auto open = static_cast<uint8_t>(((pixels[i] == value) & (settled[i] == kOpen)) ? 255 : 0);
-    settled[i] = static_cast<uint8_t>(settled[i] | ((far[i] + kFlat) & open));
-    number += open & 1U;
-  }
-  return number;
-}
-
-// Quotients of whole numbers below 2^16 by numbers below 2^8, of which those of textured pixels are at most 254. One
-// that is no integer lies 2^-8 or more below the next, and single precision, with 16 binary places there, does not
-// round it up to that.
-QUO_MULTIVERSION void stretch_pixels(const uint8_t* __restrict pixels, uint8_t* __restrict lo,
-                                     const uint8_t* __restrict end, int32_t count) {
-  for (int32_t i = 0; i < count; i++) {
-    const auto range = static_cast<uint8_t>(end[i] - 1 - lo[i]);
-    const auto distance = static_cast<uint16_t>((pixels[i] - lo[i]) * quo::kStretchedWhite);
-    const float quotient = static_cast<float>(distance) / static_cast<float>(std::max<uint8_t>(range, 1));
-    lo[i] = static_cast<uint8_t>(static_cast<int32_t>(quotient));
-  }
-}
-
-// Writes results where pixels are textured, and elsewhere the pixels unless they are 0. Returns the number of results.
-QUO_MULTIVERSION uint32_t select_results(const uint8_t* __restrict pixels, const uint8_t* __restrict results,
-                                         const uint8_t* __restrict settled, uint8_t* __restrict output, int32_t count) {
-  uint32_t stretched = 0;
-  for (int32_t i = 0; i < count; i++) {
-    const auto textured = static_cast<uint8_t>(settled[i] == kTextured ? 255 : 0);
-    const auto unwritten = static_cast<uint8_t>(pixels[i] == 0 ? 255 : 0);
-    const auto kept = static_cast<uint8_t>(pixels[i] | (output[i] & unwritten));
-    output[i] = static_cast<uint8_t>((results[i] & textured) | (kept & ~textured));
-    stretched += textured & 1U;
-  }
-  return stretched;
 }
 
 // A strip of pixels, and what is known of the columns that their windows reach while these move down the image. Column
@@ -185,7 +60,7 @@ class Strip {
         enough_(2 + columns_ / (40 * (1 + half.width / 8))),
         area_((int64_t{2} * half.width + 1) * (int64_t{2} * half.height + 1)) {
     for (int32_t i = 0; i < columns_; i++) values_[i] = taken_[i] = 0;
-    for (uint8_t& settled : settled_) settled = kFlat;
+    for (uint8_t& settled : settled_) settled = quo::kFlat;
     for (int32_t y = 0; y < std::min(half_.height, frame_.height); y++) move(y, -1);
   }
 
@@ -198,9 +73,8 @@ class Strip {
       move(int64_t{y} + half_.height, y - half_.height - 1);
       const Extremes& windows = find_extremes(y);
       settle(y, windows);
-      stretch_pixels(pixel_row(y), windows.lo, windows.end, count_);
-      stretched += select_results(pixel_row(y), windows.lo, settled_,
-                                  output + static_cast<ptrdiff_t>(y) * frame_.width + left_, count_);
+      uint8_t* const row = output + static_cast<ptrdiff_t>(y) * frame_.width + left_;
+      stretched += quo::write_settled(pixel_row(y), windows, settled_, row, count_);
     }
     return stretched;
   }
@@ -227,10 +101,10 @@ class Strip {
     const bool enters = entering < frame_.height;
     const uint8_t* const in = enters ? inside_row(static_cast<int32_t>(entering)) : quo::kWhiteRow.pixels;
     const uint8_t* const out = leaving >= 0 ? inside_row(leaving) : quo::kWhiteRow.pixels;
-    const bool white = slide_values(in, out, values_ + inside_, inside_count_);
+    const bool white = quo::slide_values(in, out, values_ + inside_, inside_count_);
     if (enters && white) last_white_ = static_cast<int32_t>(entering);
     if (enters && leaving >= 0 && last_white_ < leaving) return;  // as many pixels as before
-    slide_numbers(in, out, taken_ + inside_, inside_count_);
+    quo::slide_numbers(in, out, taken_ + inside_, inside_count_);
     counted_ = false;
   }
 
@@ -262,10 +136,10 @@ class Strip {
     count_pixels();
     if (area_ <= kMostPixels) {
       add_up_columns(values_ + inside_);
-      compare_sums(pixels, windows, numbers_, running_, last(), settled_, count_);
-      settle_by_sums(pixels, windows.lo, windows.end, settled_, count_);
+      quo::settle_by_sums(pixels, windows, numbers_, sums(), settled_, count_);
     } else {
-      for (int32_t i = 0; i < count_; i++) settled_[i] = pixels[i] == 0 || pixels[i] == kWhite ? kFlat : kOpen;
+      for (int32_t i = 0; i < count_; i++)
+        settled_[i] = pixels[i] == 0 || pixels[i] == kWhite ? quo::kFlat : quo::kOpen;
     }
     settle_common_values(y);
     uint16_t open[kColumns];
@@ -279,7 +153,7 @@ class Strip {
     settle_others(y, open, number);
   }
 
-  const uint32_t* last() const { return running_ + 2 * half_.width + 1; }
+  quo::RunningSums sums() const { return {running_, running_ + half_.width + 1, running_ + 2 * half_.width + 1}; }
 
   // Over the columns before each; sums of columns outside the image are 0.
   template <typename Sum>
@@ -294,21 +168,20 @@ class Strip {
     if (counted_) return;
     add_up_columns(taken_ + inside_);
     for (int32_t i = 0; i < count_; i++) {
-      numbers_[i] = static_cast<float>(static_cast<int32_t>(last()[i] - running_[i]));
+      numbers_[i] = static_cast<float>(static_cast<int32_t>(sums().last[i] - running_[i]));
     }
     counted_ = true;
   }
 
   // On smooth slopes many pixels are left open, few of each value: the two sides of a window level out in its sum.
   void settle_slopes(const uint8_t* pixels) {
-    const WindowSums sums{running_, running_ + half_.width + 1, last()};
     float left_numbers[kColumns];
     add_up_columns(taken_ + inside_);
     for (int32_t i = 0; i < count_; i++) {
-      left_numbers[i] = static_cast<float>(static_cast<int32_t>(sums.middle[i] - sums.before[i]));
+      left_numbers[i] = static_cast<float>(static_cast<int32_t>(sums().middle[i] - running_[i]));
     }
     add_up_columns(values_ + inside_);
-    settle_by_halves(pixels, numbers_, left_numbers, sums, settled_, count_);
+    quo::settle_by_halves(pixels, numbers_, left_numbers, sums(), settled_, count_);
   }
 
   // Lists the pixels that are open. Returns their number.
@@ -316,7 +189,7 @@ class Strip {
     int32_t number = 0;
     for (int32_t i = 0; i < count_; i += 8) {
       const uint64_t eight = quo::load_eight(settled_ + i);
-      static_assert(kOpen == 0 && kFlat == 1 && kTextured == 2);
+      static_assert(quo::kOpen == 0 && quo::kFlat == 1 && quo::kTextured == 2);
       for (uint64_t bits = ~(eight | eight >> 1) & quo::kEightTimes; bits != 0; bits &= bits - 1) {
         open[number++] = static_cast<uint16_t>(i + std::countr_zero(bits) / 8);
       }
@@ -328,7 +201,7 @@ class Strip {
   uint32_t settle_value(int32_t y, ValueDistances& distances) {
     distances.move_to(y, {inside_row(0), frame_.width, inside_count_, frame_.height}, half_.height);
     add_up_columns(distances.sums());
-    return settle_by_distances(pixel_row(y), distances.value(), numbers_, running_, last(), settled_, count_);
+    return quo::settle_by_distances(pixel_row(y), distances.value(), numbers_, sums(), settled_, count_);
   }
 
   // The values that were common in the row above.
@@ -360,7 +233,7 @@ class Strip {
     const uint8_t* const end = frame_.row(frame_.height);
     for (int32_t k = 0; k < open_count; k++) {
       const int32_t i = open[k];
-      if (settled_[i] != kOpen) continue;
+      if (settled_[i] != quo::kOpen) continue;
       const Window window = window_of(i, y);
       const int32_t columns = window.right - window.left + 1, rows = window.bottom - window.top + 1;
       const auto number = static_cast<uint32_t>(static_cast<int32_t>(numbers_[i]));
@@ -368,7 +241,7 @@ class Strip {
       const bool textured =
           quo::distances_exceed(number + white * (255U - pixels[i]), frame_.row(window.top) + window.left, frame_.width,
                                 columns, rows, pixels[i], end);
-      settled_[i] = textured ? kTextured : kFlat;
+      settled_[i] = textured ? quo::kTextured : quo::kFlat;
     }
   }
 
@@ -457,6 +330,6 @@ uint32_t AreaGrayStretch(const uint8_t* source, uint8_t* output, int32_t width, 
     copy_but_black(frame, output);
     return 0;
   }
-  if (half.width > kWidestHalf || half.height > kTallestHalf) return stretch_pixel_by_pixel(frame, half, output);
+  if (half.width > kWidestHalf) return stretch_pixel_by_pixel(frame, half, output);
   return stretch_strips(frame, half, output);
 }

@@ -46,8 +46,8 @@ Total total_from(const GrayFrame& frame, uint8_t gray) {
 
 // With n pixels of sum s, the distances from the mean s / n add up to e / n, where e = n (high sum - low sum) -
 // s (high count - low count) is an integer, below 2^62 for 2^26 pixels, over the pixels above the mean and the others.
-// The defining steps are off by 2^-46 for the mean and as much for each distance, which is 128 * 2^-53 of a deviation of 1
-// or more, and by n additions.
+// The defining steps are off by 2^-46 for the mean and as much for each distance, which is 128 * 2^-53 of a deviation
+// of 1 or more, and by n additions.
 bool quo::measure_contrast(const GrayFrame& frame, GlobalContrast& contrast) {
   const Total all = total_from(frame, 0);
   if (all.count == 0) return false;

@@ -12,10 +12,10 @@ inline int32_t stretched(int32_t value, int32_t lo, int32_t hi) { return (value 
 
 /** The same for many values of one range, without a division each.
  *
- *  The factor 254 / (hi - lo) is rounded up to a multiple of 2^-16. For a distance d from lo, at most 255, that adds less
- *  than 255 * 2^-16 to the quotient, less than the 1 / (hi - lo) by which it lies below the next integer. The whole part
- *  and both bytes of the fraction are multiplied apart, in 16 bits; rounded down byte by byte, a product is what it is
- *  rounded down at once.
+ *  The factor 254 / (hi - lo) is rounded up to a multiple of 2^-16. For a distance d from lo, at most 255, that adds
+ *  less than 255 * 2^-16 to the quotient, less than the 1 / (hi - lo) by which it lies below the next integer. The
+ *  whole part and both bytes of the fraction are multiplied apart, in 16 bits; rounded down byte by byte, a product
+ *  is what it is rounded down at once.
  */
 class StretchedRange {
  public:

@@ -143,8 +143,8 @@ class Definition {
     return std::fma(moved - local, balance_.gain, local) + balance_.shift;
   }
 
-  // Whether an error of the gain can change the whole part. Distances from the mean are below 1024, and with a gain up to
-  // 16 the two roundings of either way together below 2^-37.
+  // Whether an error of the gain can change the whole part. Distances from the mean are below 1024, and with a gain up
+  // to 16 the two roundings of either way together below 2^-37.
   bool is_unclear(double value) const {
     const double margin = 1024 * balance_.gain * balance_.gain_error + 0x1p-37;
     const double part = std::fabs(value) - static_cast<double>(static_cast<int64_t>(std::fabs(value)));
@@ -192,9 +192,9 @@ QUO_MULTIVERSION void find_means(const Windows& windows, int32_t first, int32_t 
 // With a unit roundoff of u = 2^-24, a mean is off by 3 u and so by less than 2^-14. The moved value adds half of that
 // and three roundings of values below 512: less than 2^-13. Its distance from the mean, below 640, is off by less than
 // 2^-13, the product by 2^-12 of the gain, that of 2^-26 in the gain itself included, and the two sums add roundings of
-// 2 u (640 gain + 511) and less than 2^-13 for mean and shift: together less than 2^-11 (gain + 1). The defining steps in
-// double precision are off by far less. What is below 1 gives 0 and what is 254 or more 254, so values are limited to
-// half a gray level inside that, where nothing is unclear.
+// 2 u (640 gain + 511) and less than 2^-13 for mean and shift: together less than 2^-11 (gain + 1). The defining steps
+// in double precision are off by far less. What is below 1 gives 0 and what is 254 or more 254, so values are limited
+// to half a gray level inside that, where nothing is unclear.
 QUO_MULTIVERSION void balance_pixels(const uint8_t* __restrict pixels, const Balance& balance, float* __restrict means,
                                      int32_t count, uint8_t* __restrict output) {
   constexpr float kMovedMargin = 0x1p-12F;

@@ -34,7 +34,8 @@ class Growth {
     labels_[y * width_ + x] = label_;
     for (const ptrdiff_t row : {y - 1, y, y + 1}) visit(row, x - 1, x + 1);
     for (size_t run = 0; run < runs_; run++) {
-      const auto first = static_cast<ptrdiff_t>(queue_x_[2 * run]), last = static_cast<ptrdiff_t>(queue_x_[2 * run + 1]);
+      const auto first = static_cast<ptrdiff_t>(queue_x_[2 * run]),
+                 last = static_cast<ptrdiff_t>(queue_x_[2 * run + 1]);
       const auto row = static_cast<ptrdiff_t>(queue_y_[run]);
       visit(row - 1, first - 1, last + 1);
       visit(row + 1, first - 1, last + 1);

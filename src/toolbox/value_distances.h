@@ -9,7 +9,7 @@
 namespace quo {
 
 /** Columns looked at together: those of a strip of pixels and, on either side, those that their windows reach. */
-inline constexpr int32_t kStripColumns = 408;
+inline constexpr int32_t kStripColumns = 384;
 
 /** Stands in for a row of a strip that there is none of: background counts nowhere. */
 struct WhiteRow {

@@ -54,8 +54,8 @@ QUO_MULTIVERSION void exchange_row(const uint8_t* __restrict entering, const uin
 }
 
 // With a unit roundoff of u = 2^-24 the mean of the squares is off by 3 u of at most 65025, the square of the mean by
-// 7 u: the variance by less than 2^-4. Half a gray level more in the sum keeps it 1 / 2n, which is 2^-13 or more, away from
-// the integers beside the mean; three roundings are below 2^-14, so that the whole part is that of the exact mean.
+// 7 u: the variance by less than 2^-4. Half a gray level more in the sum keeps it 1 / 2n, which is 2^-13 or more, away
+// from the integers beside the mean; three roundings are below 2^-14, so that the whole part is that of the exact mean.
 QUO_MULTIVERSION void find_small_limits(const uint32_t* __restrict values_before, const uint32_t* __restrict values,
                                         const uint32_t* __restrict squares_before, const uint32_t* __restrict squares,
                                         float reciprocal, int32_t offset, Limit* __restrict limits, int32_t positions) {
@@ -86,12 +86,12 @@ void LargeWindowSums::move_down(const uint8_t* entering, const uint8_t* leaving,
   }
 }
 
-// With n pixels a window, the variance q is (n * squares - values^2) / n^2, and a window is flat when the defining steps
-// take its root to below 3. They differ from q by less than 2^-19 of it: 2^-21 for n < 2^32 fused additions, 3 * 2^-24
-// for two conversions to single precision and a division, 2^-20 for quo_sqrt(), whose relative error is below 2^-21. The
-// products here round by 2^-53 of at most 65025 n^2, which is 2^-38 of 9 n^2. So 2^-16 around 9 is clear of all of them.
-// Half a gray level more in the sum keeps it 1 / 2n away from both integers beside the mean, so that the product with the
-// reciprocal, rounded by less than 2^-43, has the whole part of the exact mean.
+// With n pixels a window, the variance q is (n * squares - values^2) / n^2, and a window is flat when the defining
+// steps take its root to below 3. They differ from q by less than 2^-19 of it: 2^-21 for n < 2^32 fused additions, 3 *
+// 2^-24 for two conversions to single precision and a division, 2^-20 for quo_sqrt(), whose relative error is below
+// 2^-21. The products here round by 2^-53 of at most 65025 n^2, which is 2^-38 of 9 n^2. So 2^-16 around 9 is clear of
+// all of them. Half a gray level more in the sum keeps it 1 / 2n away from both integers beside the mean, so that the
+// product with the reciprocal, rounded by less than 2^-43, has the whole part of the exact mean.
 void LargeWindowSums::find_limits(const Rule& rule, Limit* __restrict limits, int32_t positions) const {
   const double n = rule.pixels();
   const double clear_flat = kFlatVariance * n * n * (1 - 0x1p-16);

@@ -7,7 +7,8 @@
 
 namespace quo {
 
-/** The smallest pixel value that becomes white, 0 for a flat window; kUnclear where the sums leave open if it is flat. */
+/** The smallest pixel value that becomes white, 0 for a flat window; kUnclear where the sums leave open if it is
+ *  flat. */
 using Limit = int16_t;
 inline constexpr Limit kUnclear = -1;
 

@@ -55,8 +55,8 @@ TEST(tev_AutoGainDacpInside, HasTheseResults) {
   EXPECT_EQ(tev_AutoGainDacpInside(&cases[0].settings, nullptr, 1, 1, 1), QUO_NULL_ARGUMENT);
 }
 
-// The gain product is rounded to single precision at every step: where a change is a whole number but for that rounding,
-// truncation shows it.
+// The gain product is rounded to single precision at every step: where a change is a whole number but for that
+// rounding, truncation shows it.
 TEST(tev_AutoGainDacpInside, RoundsTheGainToSinglePrecision) {
   const float first[] = {1.0F, 2.0F, 4.0F, 5.6F, 7.0F, 8.0F, 11.3F, 14.0F}, later[] = {1.0F, 2.0F, 3.0F, 4.0F};
   int single_matters = 0;

@@ -63,8 +63,9 @@ TEST(CheckBadLine, TellsRowsFromColumnsAtTheJumpLimit) {
   }
 }
 
-// Dark means below 0.9 of the reference, truncated and capped at 230. A line at the limit lies between a bright line and
-// lines that are not dark, first before it, then after: the bright line is marked when the span reaches the limit line.
+// Dark means below 0.9 of the reference, truncated and capped at 230. A line at the limit lies between a bright line
+// and lines that are not dark, first before it, then after: the bright line is marked when the span reaches the limit
+// line.
 TEST(CheckBadLine, InspectsBetweenDarkLines) {
   const struct {
     uint8_t reference;

@@ -1,10 +1,10 @@
 // One call of one function with arguments from a generator, everything that the call may change folded into a digest.
 //
-// The same calls serve three tests: golden hashes (the same bytes on every machine), guard pages (the same bytes wherever
-// the buffers lie, nothing outside them touched), and threads (the same bytes while others run).
+// The same calls serve three tests: golden hashes (the same bytes on every machine), guard pages (the same bytes
+// wherever the buffers lie, nothing outside them touched), and threads (the same bytes while others run).
 //
-// Compilers evaluate the arguments of a call in different orders: at most one argument of an expression may draw from the
-// generator or make a buffer, the others are named before.
+// Compilers evaluate the arguments of a call in different orders: at most one argument of an expression may draw from
+// the generator or make a buffer, the others are named before.
 #pragma once
 
 #include <climits>

@@ -91,8 +91,8 @@ Hash run_group(const Function& function, const Group& group, Guard guard) {
   return {name, digest.value()};
 }
 
-// Runs the groups of all functions, beginning with the function at `first` and going round, so that threads do different
-// things at a time. Hashes of other groups in the file are left alone.
+// Runs the groups of all functions, beginning with the function at `first` and going round, so that threads do
+// different things at a time. Hashes of other groups in the file are left alone.
 void check_groups(const Expected& expected, const std::vector<Group>& groups, Guard guard, size_t first,
                   const std::function<void(const Check&)>& report) {
   const std::vector<Function> all = functions();

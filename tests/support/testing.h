@@ -25,8 +25,8 @@ struct Size {
   int32_t width, height;
 };
 
-/** Calls check(image, random, guard) with an image of any kind for every size from 1 x 1 to `largest` x `largest`, a few
- *  sensor sizes and `more` of them. */
+/** Calls check(image, random, guard) with an image of any kind for every size from 1 x 1 to `largest` x `largest`, a
+ *  few sensor sizes and `more` of them. */
 template <typename Check>
 void for_each_frame(uint64_t seed, int32_t largest, std::initializer_list<Size> more, Check check) {
   std::vector<Size> sizes = {{64, 80}, {131, 77}, {160, 40}};

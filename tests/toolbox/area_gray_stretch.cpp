@@ -92,3 +92,9 @@ TEST(AreaGrayStretch, TakesWindowsBeyondTheImageAndCopiesBeyond16Bits) {
   }
   EXPECT_EQ(output, expected);
 }
+
+TEST(AreaGrayStretch, DoesNotTouchTheOutputOfBlackPixels) {
+  ReadOnly output(Image(500, 3, 9));
+  const Image black(500, 3);
+  EXPECT_EQ(AreaGrayStretch(black.data(), output.data(), 500, 3, 15, 15), 0U);
+}

@@ -1,5 +1,5 @@
-// Figures of frames: those of the library, the same rows from every command and however many threads, and long runs that
-// lose nothing when interrupted and go on from there.
+// Figures of frames: those of the library, the same rows from every command and however many threads, and long runs
+// that lose nothing when interrupted and go on from there.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

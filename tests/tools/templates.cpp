@@ -30,7 +30,8 @@ Image small_frame() {
   return Image(30, 29, [](int32_t x, int32_t y) { return x == 16 ? 254 : (x + y) / 2 % 2 == 0 ? 60 : 180; });
 }
 
-// Whether some row of the picture holds the profile, dark, saturated and bright as ever lighter blocks of `zoom` pixels.
+// Whether some row of the picture holds the profile, dark, saturated and bright as ever lighter blocks of `zoom`
+// pixels.
 bool shows_profile(const Image& picture, const Bytes& profile, int32_t zoom) {
   std::string wanted;
   for (const uint8_t value : profile) wanted.append(static_cast<size_t>(zoom), static_cast<char>(value));

@@ -1,8 +1,8 @@
 // quofp selftest: whether the library gives the same bytes on this machine as everywhere.
 //
 // The test counts and fails the allocations of the library, so its program defines the library's hooks. It is a program
-// of its own, quofp-selftest beside the tool: in the tool itself these hooks would serve every other command, too, which
-// are to call the library as any program does, and a crash of the library under test would be one of the tool.
+// of its own, quofp-selftest beside the tool: in the tool itself these hooks would serve every other command, too,
+// which are to call the library as any program does, and a crash of the library under test would be one of the tool.
 #include <unistd.h>
 
 #include <cerrno>
