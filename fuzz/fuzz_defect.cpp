@@ -148,7 +148,7 @@ void check(Input& input, uint8_t failing) {
     require(out == image && (failed == 0 || (failed == 1 && allowance < 0)), "nothing is repaired then");
     return;
   }
-  const Image half = reference::subsampled(image);
+  const Image half = reference::half_image(image, 0);
   const uint8_t background = reference::background_value(half).value_or(255);
   const FrameLines lines = reference::bad_lines(image, background);
   const bool bad = int64_t{4} * reference::bad_pixels(half, allowance >> 2, background).count > allowance;

@@ -238,7 +238,7 @@ std::string quoted(const std::string& text, const std::string& escape) {
 }
 
 std::string zsh_completion(const CLI::App& app, const std::vector<Description>& commands) {
-  const auto text = [](const std::string& words) {  // brackets and colons end parts of a specification
+  const auto text = [](const std::string& words) {  // brackets and colons have a meaning of their own there
     return replaced(replaced(replaced(words, "[", "\\["), "]", "\\]"), ":", "\\:");
   };
   const auto values = [](const std::string& name) {

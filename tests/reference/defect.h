@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "quoFPAlg.h"
+#include "reference/frame.h"
 #include "reference/preproc.h"
 #include "support/frames.h"
 
@@ -108,11 +109,6 @@ inline BadPixels bad_pixels(const Image& image, int32_t allowance, uint8_t limit
   return bad;
 }
 
-/** Every second pixel of every second row. */
-inline Image subsampled(const Image& image) {
-  return Image(image.width >> 1, image.height >> 1, [&](int32_t x, int32_t y) { return image.at(2 * x, 2 * y); });
-}
-
 struct Defects {
   uint32_t count;
   Image marks;
@@ -120,7 +116,7 @@ struct Defects {
 
 /** The outputs of FP_GetBadPixelsNum. */
 inline Defects defects(const Image& image) {
-  const Image half = subsampled(image);
+  const Image half = half_image(image, 0);
   const uint8_t background = background_value(half).value_or(255);
   const BadPixels bad = bad_pixels(half, static_cast<int32_t>(half.pixels.size()), background);
   const FrameLines lines = bad_lines(image, background);
