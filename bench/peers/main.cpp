@@ -1,13 +1,19 @@
+#include <algorithm>
+
 #include "peers/peers.h"
+#include "synth/sensor.h"
 
 namespace quo_bench {
 namespace {
 
 constexpr int kSizes[][2] = {{160, 160}, {640, 480}};
 
+// The frame of `quofp synth --background 240`: the uncovered sensor is not saturated but shows its noise.
 quo_test::Image finger_frame(int32_t width, int32_t height) {
-  quo_test::Random random(1);
-  return quo_test::generate(random, width, height, quo_test::Fill::kRidges);
+  const quofp::synth::Sensor sensor{.size = {width, height}, .background = 240};
+  quo_test::Image image(width, height);
+  std::ranges::copy(quofp::synth::capture({}, sensor).pixels, image.pixels.begin());
+  return image;
 }
 
 quo_test::Image blobs(const quo_test::Image& frame) {

@@ -8,21 +8,25 @@
 #include "quoFPAlg.h"
 #include "toolbox/gray_stretch.h"
 #include "toolbox/settled_pixels.h"
+#include "toolbox/textured_cells.h"
 #include "toolbox/value_distances.h"
 #include "toolbox/window_extremes.h"
 
 // A pixel v is stretched when the distances of the n pixels of its window from it, background left out, add up to more
-// than n. Most pixels are settled by the sum s of their window, carried from row to row: distances add up to
-// |s - nv| or more, and to just that for the smallest and the largest pixel of a window. What this leaves open lies
-// mostly in areas of a few gray levels, where many pixels of a row have the same value: the distances from common
-// values are carried from row to row too. For the pixels that remain they are added up, no further than until they
-// exceed n.
+// than n. Where there are ridges, or noise of a few gray levels, the differences of pixels near by settle that for many
+// pixels at once. The few others of a row have their distances added up, no further than until they exceed n.
+//
+// Where many are left open, the sum s of a window, carried from row to row, settles most: distances add up to |s - nv|
+// or more, and to just that for the smallest and the largest pixel of a window. What this leaves open lies mostly in
+// areas of a few gray levels, where many pixels of a row have the same value: the distances from common values are
+// carried from row to row too.
 namespace {
 
 using quo::Extremes;
 using quo::GrayFrame;
 using quo::Half;
 using quo::kWhite;
+using quo::TexturedCells;
 using quo::ValueDistances;
 
 constexpr int32_t kColumns = quo::kStripColumns;
@@ -58,10 +62,14 @@ class Strip {
         inside_(std::max(half.width - left, 0)),
         inside_count_(at_most(columns_, int64_t{frame.width} - left + half.width) - inside_),
         enough_(2 + columns_ / (40 * (1 + half.width / 8))),
-        area_((int64_t{2} * half.width + 1) * (int64_t{2} * half.height + 1)) {
+        area_((int64_t{2} * half.width + 1) * (int64_t{2} * half.height + 1)),
+        few_(static_cast<int32_t>(16 * count_ / (area_ + 16))),
+        cells_(inside(), half, half.width - inside_, count_) {
     for (int32_t i = 0; i < columns_; i++) values_[i] = taken_[i] = 0;
     for (uint8_t& settled : settled_) settled = quo::kFlat;
-    for (int32_t y = 0; y < std::min(half_.height, frame_.height); y++) move(y, -1);
+    for (const Extremes& found : extremes_) {
+      for (int32_t i = columns_; i < kColumns; i++) found.lo[i] = found.end[i] = 0;
+    }
   }
 
   int32_t count() const { return count_; }
@@ -70,7 +78,7 @@ class Strip {
   uint32_t stretch(uint8_t* output) {
     uint32_t stretched = 0;
     for (int32_t y = 0; y < frame_.height; y++) {
-      move(int64_t{y} + half_.height, y - half_.height - 1);
+      if (y % TexturedCells::kSide == 0) cells_.mark_row(y, textured_);
       const Extremes& windows = find_extremes(y);
       settle(y, windows);
       uint8_t* const row = output + static_cast<ptrdiff_t>(y) * frame_.width + left_;
@@ -96,13 +104,46 @@ class Strip {
   const uint8_t* pixel_row(int32_t y) const { return frame_.row(y) + left_; }
   Window window_of(int32_t i, int32_t y) const { return window_around(frame_, half_, left_ + i, y); }
 
-  // Takes rows into the sums and out of them, as far as there are any.
-  void move(int64_t entering, int32_t leaving) {
+  // The strip's columns that are in the image.
+  quo::Columns inside() const { return {inside_row(0), frame_.width, inside_count_, frame_.height}; }
+
+  // In the rows of the windows around row y.
+  void look_for_white(int32_t y) {
+    const int64_t bottom = std::min(int64_t{y} + half_.height, int64_t{frame_.height} - 1);
+    for (int32_t j = std::max(looked_at_ + 1, y - half_.height); j <= bottom; j++) {
+      if (quo::has_white(inside_row(j), inside_count_)) last_white_ = j;
+      looked_at_ = j;
+    }
+  }
+
+  // Sums move down row by row. Where they are not needed they wait; but as they cost a row of additions for each of a
+  // window's rows to begin anew, they first go along for as many rows.
+  void let_sums_wait(int32_t y) {
+    if (summed_row_ == y - 1 && idle_rows_++ <= 2 * half_.height) move_sums(y);
+  }
+
+  void need_sums(int32_t y) {
+    idle_rows_ = 0;
+    if (summed_row_ == y - 1) return move_sums(y);
+    for (int32_t i = 0; i < columns_; i++) values_[i] = taken_[i] = 0;
+    const int64_t bottom = std::min(int64_t{y} + half_.height, int64_t{frame_.height} - 1);
+    for (int32_t j = std::max(y - half_.height, 0); j <= bottom; j++) {
+      quo::slide_values(inside_row(j), quo::kWhiteRow.pixels, values_ + inside_, inside_count_);
+      quo::slide_numbers(inside_row(j), quo::kWhiteRow.pixels, taken_ + inside_, inside_count_);
+    }
+    summed_row_ = y;
+    counted_ = false;
+  }
+
+  // To row y from the one above it: takes rows into the sums and out of them, as far as there are any.
+  void move_sums(int32_t y) {
+    const int64_t entering = int64_t{y} + half_.height;
+    const int32_t leaving = y - half_.height - 1;
     const bool enters = entering < frame_.height;
     const uint8_t* const in = enters ? inside_row(static_cast<int32_t>(entering)) : quo::kWhiteRow.pixels;
     const uint8_t* const out = leaving >= 0 ? inside_row(leaving) : quo::kWhiteRow.pixels;
-    const bool white = quo::slide_values(in, out, values_ + inside_, inside_count_);
-    if (enters && white) last_white_ = static_cast<int32_t>(entering);
+    quo::slide_values(in, out, values_ + inside_, inside_count_);
+    summed_row_ = y;
     if (enters && leaving >= 0 && last_white_ < leaving) return;  // as many pixels as before
     quo::slide_numbers(in, out, taken_ + inside_, inside_count_);
     counted_ = false;
@@ -111,7 +152,7 @@ class Strip {
   // Of the windows around a row's pixels.
   const Extremes& find_extremes(int32_t y) {
     if (y % 2 == 0) find_column_extremes(y);
-    return quo::join_column_extremes(extremes_[y % 2], extremes_[2], columns_, 2 * half_.width + 1);
+    return quo::join_column_extremes(extremes_[y % 2], extremes_[2], columns_, 2 * half_.width + 1, kColumns);
   }
 
   // Of row y and the one below it, in whose windows nearly the same rows are.
@@ -132,25 +173,34 @@ class Strip {
   }
 
   void settle(int32_t y, const Extremes& windows) {
+    quo::settle(pixel_row(y), reinterpret_cast<const uint8_t*>(textured_), windows, settled_, count_);
+    uint16_t open[kColumns];
+    int32_t number = list_open(open);
+    if (number > 0 || summed_row_ == y - 1) look_for_white(y);
+    if (number <= few_) {
+      let_sums_wait(y);
+    } else {
+      need_sums(y);
+      settle_by_sums(y, windows, open);
+      number = list_open(open);
+    }
+    settle_others(y, open, number);
+  }
+
+  void settle_by_sums(int32_t y, const Extremes& windows, uint16_t* open) {
     const uint8_t* const pixels = pixel_row(y);
     count_pixels();
     if (area_ <= kMostPixels) {
       add_up_columns(values_ + inside_);
       quo::settle_by_sums(pixels, windows, numbers_, sums(), settled_, count_);
-    } else {
-      for (int32_t i = 0; i < count_; i++)
-        settled_[i] = pixels[i] == 0 || pixels[i] == kWhite ? quo::kFlat : quo::kOpen;
     }
     settle_common_values(y);
-    uint16_t open[kColumns];
     int32_t number = list_open(open);
     if (number > count_ / 8 && area_ <= kMostPixels) {
       settle_slopes(pixels);
       number = list_open(open);
     }
-    if (number == 0) return;
     settle_common_values(y, open, number);
-    settle_others(y, open, number);
   }
 
   quo::RunningSums sums() const { return {running_, running_ + half_.width + 1, running_ + 2 * half_.width + 1}; }
@@ -199,7 +249,7 @@ class Strip {
 
   // Returns the number of pixels that are open and have this value.
   uint32_t settle_value(int32_t y, ValueDistances& distances) {
-    distances.move_to(y, {inside_row(0), frame_.width, inside_count_, frame_.height}, half_.height);
+    distances.move_to(y, inside(), half_.height);
     add_up_columns(distances.sums());
     return quo::settle_by_distances(pixel_row(y), distances.value(), numbers_, sums(), settled_, count_);
   }
@@ -230,17 +280,14 @@ class Strip {
 
   void settle_others(int32_t y, const uint16_t* open, int32_t open_count) {
     const uint8_t* const pixels = pixel_row(y);
-    const uint8_t* const end = frame_.row(frame_.height);
     for (int32_t k = 0; k < open_count; k++) {
       const int32_t i = open[k];
       if (settled_[i] != quo::kOpen) continue;
       const Window window = window_of(i, y);
-      const int32_t columns = window.right - window.left + 1, rows = window.bottom - window.top + 1;
-      const auto number = static_cast<uint32_t>(static_cast<int32_t>(numbers_[i]));
-      const uint32_t white = static_cast<uint32_t>(columns * rows) - number;
-      const bool textured =
-          quo::distances_exceed(number + white * (255U - pixels[i]), frame_.row(window.top) + window.left, frame_.width,
-                                columns, rows, pixels[i], end);
+      const quo::WindowPixels in_window{frame_.row(window.top) + window.left, frame_.width,
+                                        window.right - window.left + 1, window.bottom - window.top + 1,
+                                        frame_.row(frame_.height)};
+      const bool textured = quo::distances_exceed_number(in_window, pixels[i], last_white_ >= window.top);
       settled_[i] = textured ? quo::kTextured : quo::kFlat;
     }
   }
@@ -254,7 +301,11 @@ class Strip {
   int32_t inside_count_;       // columns in the image
   int32_t enough_;             // pixels that make a value common: found by measuring, where both ways take as long
   int64_t area_;               // of a window
-  int32_t last_white_ = -1;    // row that entered and has background
+  int32_t few_;                // pixels whose distances are added up no slower than the sums of all windows
+  int32_t looked_at_ = -1;     // row down to which windows were looked at for background
+  int32_t last_white_ = -1;    // row that has some, the last one of these
+  int32_t summed_row_ = -2;    // row that the sums are at
+  int32_t idle_rows_ = 0;      // rows that they went along without being needed
   bool counted_ = false;       // the pixels of the windows
   uint32_t values_[kColumns];  // sums over the rows of the windows
   uint16_t taken_[kColumns];   // numbers of these pixels, without background
@@ -263,9 +314,14 @@ class Strip {
   uint8_t lo_[3][kColumns];  // in the columns of an even row's windows and the next row's, and a spare
   uint8_t end_[3][kColumns];
   const Extremes extremes_[3] = {{lo_[0], end_[0]}, {lo_[1], end_[1]}, {lo_[2], end_[2]}};
+  uint32_t textured_[TexturedCells::kMostCells];  // a byte for each pixel
   uint8_t settled_[kColumns];
+  TexturedCells cells_;
   ValueDistances distances_[kMostCommon];
 };
+
+// With lists and the arrays of kernels, a call stays within 16 KiB of stack.
+static_assert(sizeof(Strip) <= 12 * 1024);
 
 uint32_t stretch_strips(const GrayFrame& frame, const Half& half, uint8_t* output) {
   uint32_t stretched = 0;

@@ -19,16 +19,18 @@ using quo::kTextured;
 using quo::kWhite;
 using quo::RunningSums;
 
-// Returns whether the row that enters has background.
-QUO_MULTIVERSION bool slide_value_sums(const uint8_t* __restrict entering, const uint8_t* __restrict leaving,
-                                       uint32_t* __restrict values, int32_t count) {
+QUO_MULTIVERSION bool find_white(const uint8_t* __restrict pixels, int32_t count) {
   uint8_t brightest = 0;
-  for (int32_t i = 0; i < count; i++) brightest = std::max(brightest, entering[i]);
+  for (int32_t i = 0; i < count; i++) brightest = std::max(brightest, pixels[i]);
+  return brightest == kWhite;
+}
+
+QUO_MULTIVERSION void slide_value_sums(const uint8_t* __restrict entering, const uint8_t* __restrict leaving,
+                                       uint32_t* __restrict values, int32_t count) {
   for (int32_t i = 0; i < count; i++) {
     const uint8_t in = entering[i] != kWhite ? entering[i] : 0, out = leaving[i] != kWhite ? leaving[i] : 0;
     values[i] += static_cast<uint32_t>(static_cast<int16_t>(in - out));
   }
-  return brightest == kWhite;
 }
 
 QUO_MULTIVERSION void slide_pixel_numbers(const uint8_t* __restrict entering, const uint8_t* __restrict leaving,
@@ -38,32 +40,51 @@ QUO_MULTIVERSION void slide_pixel_numbers(const uint8_t* __restrict entering, co
   }
 }
 
-// Whether |s - nv| and twice the distance of v from the nearer extreme exceed n. With distances of P in all upwards and
-// N downwards, s - nv = P - N; and P + N is |P - N| and twice the smaller of both, which is no less than the distance
-// of the extreme on its side. All are whole numbers below 2^24: n v <= 254 n, and s <= 254 n.
-QUO_MULTIVERSION void compare_sums(const uint8_t* __restrict pixels, const Extremes& windows,
-                                   const float* __restrict numbers, const uint32_t* __restrict before,
-                                   const uint32_t* __restrict last, uint8_t* __restrict far, int32_t count) {
-  const uint8_t* const lo = windows.lo;
-  const uint8_t* const end = windows.end;
+// Pixels of 0 and 255 are never stretched, nor are those with distances of 0 and 1 only, or the only value of a window.
+QUO_MULTIVERSION void settle_pixels(const uint8_t* __restrict pixels, const uint8_t* __restrict textured,
+                                    const uint8_t* __restrict lo, const uint8_t* __restrict end,
+                                    uint8_t* __restrict settled, int32_t count) {
   for (int32_t i = 0; i < count; i++) {
     const auto below = static_cast<uint8_t>(pixels[i] - lo[i]), above = static_cast<uint8_t>(end[i] - 1 - pixels[i]);
-    const auto side = static_cast<float>(std::min(below, above));
+    const uint8_t furthest = std::max(below, above);
+    const auto kept = static_cast<uint8_t>(furthest <= 1 || pixels[i] == 0 || pixels[i] == kWhite ? 255 : 0);
+    settled[i] = static_cast<uint8_t>((kept & kFlat) | (~kept & (textured[i] + textured[i])));
+  }
+}
+
+// Open pixels that are far are textured.
+inline void settle_far(const uint8_t* __restrict far, uint8_t* __restrict settled, int32_t count) {
+  for (int32_t i = 0; i < count; i++) {
+    const auto open = static_cast<uint8_t>(settled[i] == kOpen ? kTextured : 0);
+    settled[i] = static_cast<uint8_t>(settled[i] | ((far[i] + far[i]) & open));
+  }
+}
+
+// Open pixels by whether |s - nv| and twice the distance of v from the nearer extreme exceed n. With distances of P in
+// all upwards and N downwards, s - nv = P - N; and P + N is |P - N| and twice the smaller of both, which is no less than
+// the distance of the extreme on its side. An extreme itself has distances on one side only and is settled either way.
+// All are whole numbers below 2^24: n v <= 254 n, and s <= 254 n.
+QUO_MULTIVERSION void settle_open_by_sums(const uint8_t* __restrict pixels, const Extremes& windows,
+                                          const float* __restrict numbers, const RunningSums& sums,
+                                          uint8_t* __restrict settled, int32_t count) {
+  const uint8_t* const lo = windows.lo;
+  const uint8_t* const end = windows.end;
+  const uint32_t* const before = sums.before;
+  const uint32_t* const last = sums.last;
+  uint8_t sides[kStripColumns], far[kStripColumns];
+  for (int32_t i = 0; i < count; i++) {
+    const auto below = static_cast<uint8_t>(pixels[i] - lo[i]), above = static_cast<uint8_t>(end[i] - 1 - pixels[i]);
+    sides[i] = std::min(below, above);
+  }
+  for (int32_t i = 0; i < count; i++) {
+    const auto side = static_cast<float>(sides[i]);
     const auto sum = static_cast<float>(static_cast<int32_t>(last[i] - before[i]));
     const float distances = std::fabs(sum - numbers[i] * static_cast<float>(pixels[i])) + (side + side);
     far[i] = static_cast<uint8_t>(static_cast<int32_t>(distances > numbers[i]));
   }
-}
-
-// From what compare_sums() says. Pixels of 0 and 255 are never stretched, nor are those with distances of 0 and 1 only.
-QUO_MULTIVERSION void settle_compared(const uint8_t* __restrict pixels, const uint8_t* __restrict lo,
-                                      const uint8_t* __restrict end, uint8_t* __restrict settled, int32_t count) {
+  settle_far(far, settled, count);
   for (int32_t i = 0; i < count; i++) {
-    const auto below = static_cast<uint8_t>(pixels[i] - lo[i]), above = static_cast<uint8_t>(end[i] - pixels[i]);
-    const auto kept = static_cast<uint8_t>((pixels[i] == 0) | (pixels[i] == kWhite));
-    const auto known = static_cast<uint8_t>((below == 0) | (above == 1) | ((below == 1) & (above == 2)));
-    const uint8_t flat = (known | settled[i]) != 0 ? kFlat : kOpen;
-    settled[i] = static_cast<uint8_t>(kept != 0 ? kFlat : flat + settled[i]);
+    settled[i] = (sides[i] == 0) & (settled[i] == kOpen) ? uint8_t{kFlat} : settled[i];
   }
 }
 
@@ -81,10 +102,7 @@ QUO_MULTIVERSION void settle_open_by_halves(const uint8_t* __restrict pixels, co
     const float right = static_cast<float>(static_cast<int32_t>(last[i] - middle[i])) - right_number * pixel;
     far[i] = static_cast<uint8_t>(static_cast<int32_t>(std::fabs(left) + std::fabs(right) > numbers[i]));
   }
-  for (int32_t i = 0; i < count; i++) {
-    const auto open = static_cast<uint8_t>(settled[i] == kOpen ? kTextured : 0);
-    settled[i] = static_cast<uint8_t>(settled[i] | ((far[i] + far[i]) & open));
-  }
+  settle_far(far, settled, count);
 }
 
 // Open pixels of one value, with running sums of the distances from it. Returns their number.
@@ -150,18 +168,24 @@ void write_results(const uint8_t* pixels, const uint8_t* results, uint8_t* outpu
 
 }  // namespace
 
-bool quo::slide_values(const uint8_t* entering, const uint8_t* leaving, uint32_t* values, int32_t count) {
-  return slide_value_sums(entering, leaving, values, count);
+bool quo::has_white(const uint8_t* pixels, int32_t count) { return find_white(pixels, count); }
+
+void quo::slide_values(const uint8_t* entering, const uint8_t* leaving, uint32_t* values, int32_t count) {
+  slide_value_sums(entering, leaving, values, count);
 }
 
 void quo::slide_numbers(const uint8_t* entering, const uint8_t* leaving, uint16_t* numbers, int32_t count) {
   slide_pixel_numbers(entering, leaving, numbers, count);
 }
 
+void quo::settle(const uint8_t* pixels, const uint8_t* textured, const Extremes& windows, uint8_t* settled,
+                 int32_t count) {
+  settle_pixels(pixels, textured, windows.lo, windows.end, settled, count);
+}
+
 void quo::settle_by_sums(const uint8_t* pixels, const Extremes& windows, const float* numbers, const RunningSums& sums,
                          uint8_t* settled, int32_t count) {
-  compare_sums(pixels, windows, numbers, sums.before, sums.last, settled, count);
-  settle_compared(pixels, windows.lo, windows.end, settled, count);
+  settle_open_by_sums(pixels, windows, numbers, sums, settled, count);
 }
 
 void quo::settle_by_halves(const uint8_t* pixels, const float* numbers, const float* left_numbers,

@@ -17,15 +17,20 @@ struct RunningSums {
   const uint32_t* last;
 };
 
-/** Takes a row of pixels into sums over columns, and one out of them, without background. Returns whether the row that
- *  enters has background. */
-bool slide_values(const uint8_t* entering, const uint8_t* leaving, uint32_t* values, int32_t count);
+/** Whether one of the pixels is background. */
+bool has_white(const uint8_t* pixels, int32_t count);
+
+/** Takes a row of pixels into sums over columns, and one out of them, without background. */
+void slide_values(const uint8_t* entering, const uint8_t* leaving, uint32_t* values, int32_t count);
 
 /** The same for the numbers of these pixels. */
 void slide_numbers(const uint8_t* entering, const uint8_t* leaving, uint16_t* numbers, int32_t count);
 
-/** Settles pixels, by a value of Settled for each, from the sums and the extremes of their windows, of `numbers`
- *  pixels each. */
+/** Settles pixels, by a value of Settled for each, from the extremes of their windows and what is known to be textured,
+ *  a 1 or 0 for each. */
+void settle(const uint8_t* pixels, const uint8_t* textured, const Extremes& windows, uint8_t* settled, int32_t count);
+
+/** Settles open pixels by the sums and the extremes of their windows, of `numbers` pixels each. */
 void settle_by_sums(const uint8_t* pixels, const Extremes& windows, const float* numbers, const RunningSums& sums,
                     uint8_t* settled, int32_t count);
 

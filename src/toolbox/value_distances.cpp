@@ -63,6 +63,30 @@ uint32_t distances(const uint8_t* pixels, int32_t count, uint8_t value) {
   return sum;
 }
 
+uint32_t count_white(const quo::WindowPixels& window) {
+  uint32_t count = 0;
+  const uint8_t* row = window.first;
+  for (int32_t j = 0; j < window.rows; j++, row += window.stride) {
+    for (int32_t i = 0; i < window.columns; i++) count += row[i] == kWhite ? 1 : 0;
+  }
+  return count;
+}
+
+// Whether the distances, those of background included, add up to more than `limit`. Sixteen pixels at a time, of which
+// those beyond the window are masked, unless they are beyond the frame.
+bool distances_exceed(const quo::WindowPixels& window, uint8_t value, uint32_t limit) {
+  const int32_t columns = window.columns, whole = (columns - 1) / kStep * kStep;
+  const uint8_t* const mask = kMasks.bytes + kStep - (columns - whole);
+  const uint8_t* row = window.first;
+  uint32_t sum = 0;
+  for (int32_t j = 0; j < window.rows && sum <= limit; j++, row += window.stride) {
+    for (int32_t i = 0; i < whole; i += kStep) sum += step_distances(row + i, value);
+    sum += window.end - row >= whole + kStep ? masked_distances(row + whole, mask, value)
+                                             : distances(row + whole, columns - whole, value);
+  }
+  return sum > limit;
+}
+
 }  // namespace
 
 void quo::ValueDistances::move_to(int32_t y, const Columns& columns, int32_t half_height) {
@@ -79,16 +103,8 @@ void quo::ValueDistances::move_to(int32_t y, const Columns& columns, int32_t hal
   row_ = y;
 }
 
-// Sixteen pixels at a time, of which those beyond the window are masked, unless they are beyond the frame.
-bool quo::distances_exceed(uint32_t limit, const uint8_t* window, ptrdiff_t stride, int32_t columns, int32_t rows,
-                           uint8_t value, const uint8_t* end) {
-  const int32_t whole = (columns - 1) / kStep * kStep;
-  const uint8_t* const mask = kMasks.bytes + kStep - (columns - whole);
-  uint32_t sum = 0;
-  for (int32_t j = 0; j < rows && sum <= limit; j++, window += stride) {
-    for (int32_t i = 0; i < whole; i += kStep) sum += step_distances(window + i, value);
-    sum += end - window >= whole + kStep ? masked_distances(window + whole, mask, value)
-                                         : distances(window + whole, columns - whole, value);
-  }
-  return sum > limit;
+bool quo::distances_exceed_number(const WindowPixels& window, uint8_t value, bool may_have_white) {
+  const auto area = static_cast<uint32_t>(window.columns * window.rows);
+  const uint32_t white = may_have_white ? count_white(window) : 0;
+  return distances_exceed(window, value, area - white + white * static_cast<uint32_t>(kWhite - value));
 }

@@ -9,7 +9,7 @@
 namespace quo {
 
 /** Columns looked at together: those of a strip of pixels and, on either side, those that their windows reach. */
-inline constexpr int32_t kStripColumns = 384;
+inline constexpr int32_t kStripColumns = 352;
 
 /** Stands in for a row of a strip that there is none of: background counts nowhere. */
 struct WhiteRow {
@@ -65,9 +65,17 @@ class ValueDistances {
   uint16_t sums_[kStripColumns];
 };
 
-/** Whether the distances of a window's pixels from a value, those of background included, add up to more than `limit`.
- *  `end` is the end of the frame. */
-bool distances_exceed(uint32_t limit, const uint8_t* window, ptrdiff_t stride, int32_t columns, int32_t rows,
-                      uint8_t value, const uint8_t* end);
+/** A window of pixels, `stride` apart from row to row, in a frame that ends at `end`. */
+struct WindowPixels {
+  const uint8_t* first;
+  ptrdiff_t stride;
+  int32_t columns;
+  int32_t rows;
+  const uint8_t* end;
+};
+
+/** Whether the distances of a window's pixels from a value below 255, background left out, add up to more than their
+ *  number. Background is looked for where `may_have_white`. */
+bool distances_exceed_number(const WindowPixels& window, uint8_t value, bool may_have_white);
 
 }  // namespace quo

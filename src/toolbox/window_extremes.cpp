@@ -9,6 +9,7 @@ namespace {
 using quo::Extremes;
 using quo::SharedRows;
 
+constexpr int32_t kVector = 32;
 constexpr int32_t kTile = 64;  // columns whose extremes stay in registers from row to row
 
 // A byte wraps at 255, so that 255 itself changes neither.
@@ -64,14 +65,16 @@ void quo::find_column_extremes(const SharedRows& rows, int32_t count, const Extr
   find_in_tiles(rows, count, upper, lower);
 }
 
-// Of 2, 4, 8 ... columns side by side.
-const Extremes& quo::join_column_extremes(const Extremes& columns, const Extremes& spare, int32_t count,
-                                          int32_t width) {
+// Of 2, 4, 8 ... columns side by side. Where there is room, whole vectors of them: those at the end mean nothing.
+const Extremes& quo::join_column_extremes(const Extremes& columns, const Extremes& spare, int32_t count, int32_t width,
+                                          int32_t room) {
   const Extremes* found = &columns;
   const Extremes* joined = &spare;
   for (int32_t reach = 1, step; reach < width; reach += step) {
     step = std::min(reach, width - reach);
-    join(found->lo, found->end, step, joined->lo, joined->end, count - reach - step + 1);
+    const int32_t fitting = count - reach - step + 1;
+    const int32_t vectors = (fitting + kVector - 1) / kVector * kVector;
+    join(found->lo, found->end, step, joined->lo, joined->end, vectors + step <= room ? vectors : fitting);
     std::swap(found, joined);
   }
   return *found;

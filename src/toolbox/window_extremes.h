@@ -26,7 +26,8 @@ struct SharedRows {
 void find_column_extremes(const SharedRows& rows, int32_t count, const Extremes& upper, const Extremes& lower);
 
 /** From those of `count` columns, those of the windows `width` columns wide that begin at each column, as far as they
- *  fit. `spare` holds as many; the result is in one of the two. */
-const Extremes& join_column_extremes(const Extremes& columns, const Extremes& spare, int32_t count, int32_t width);
+ *  fit. `spare` is as large, each has `room` for that many columns; the result is in one of the two. */
+const Extremes& join_column_extremes(const Extremes& columns, const Extremes& spare, int32_t count, int32_t width,
+                                     int32_t room);
 
 }  // namespace quo
