@@ -5,14 +5,29 @@ namespace quo_bench {
 namespace {
 
 // Pixel minus local mean, times a gain, plus 128; bright pixels stay.
-Prepare opencv_balance(int window) {
-  return [window](Material& m) {
-    return [&m, window, mean = cv::Mat(), keep = cv::Mat()]() mutable {
-      cv::boxFilter(m.cv_frame, mean, CV_8U, {window, window});
-      cv::addWeighted(m.cv_frame, 3, mean, -3, 128, m.cv_output);
-      cv::compare(m.cv_frame, 254, keep, cv::CMP_GE);
-      m.cv_frame.copyTo(m.cv_output, keep);
-    };
+Work opencv_slice_balance(Material& m) {
+  return [&m, mean = cv::Mat(), keep = cv::Mat()]() mutable {
+    cv::boxFilter(m.cv_frame, mean, CV_8U, {7, 7});
+    cv::addWeighted(m.cv_frame, 3, mean, -3, 128, m.cv_output);
+    cv::compare(m.cv_frame, 254, keep, cv::CMP_GE);
+    m.cv_frame.copyTo(m.cv_output, keep);
+  };
+}
+
+// The gain from the mean distance of all pixels but background from their mean, by which background is replaced. Pixels
+// are moved half of the way that their local mean is from it.
+Work opencv_balance(Material& m) {
+  return [&m, finger = cv::Mat(), background = cv::Mat(), away = cv::Mat(), local = cv::Mat()]() mutable {
+    cv::compare(m.cv_frame, 255, finger, cv::CMP_LT);
+    cv::bitwise_not(finger, background);
+    const double mean = cv::mean(m.cv_frame, finger)[0];
+    cv::absdiff(m.cv_frame, mean, away);
+    const double gain = 50 / cv::mean(away, finger)[0];
+    cv::Mat filled = m.cv_frame.clone();
+    filled.setTo(mean, background);
+    cv::boxFilter(filled, local, CV_8U, {15, 15});
+    cv::addWeighted(m.cv_frame, gain, local, 1 - 1.5 * gain, gain * mean / 2 + 128 - mean, m.cv_output);
+    m.cv_frame.copyTo(m.cv_output, background);
   };
 }
 
@@ -26,7 +41,7 @@ void add_balances() {
           LocalGrayBalance_Slice(m.frame.data(), m.width, m.height, 3, static_cast<uint32_t>(m.height), 3, 0, 0);
         };
       },
-      opencv_balance(7));
+      opencv_slice_balance);
   add_pair(
       "LocalGrayBalance",
       [](Material& m) {
@@ -34,7 +49,7 @@ void add_balances() {
           LocalGrayBalance(m.frame.data(), m.output.data(), m.width, static_cast<uint32_t>(m.height), 15, 15);
         };
       },
-      opencv_balance(15));
+      opencv_balance);
 }
 
 void add_area_stretch() {

@@ -17,9 +17,11 @@ using quo::kWhite;
 
 constexpr int32_t kBrightest = 254;
 constexpr double kTargetMean = 128;
-constexpr double kTargetSpread = 100;     // twice the mean absolute deviation that the balanced image shall have
-constexpr int32_t kStrip = 1024;          // columns balanced at a time, for their means on the stack
-constexpr double kLargestQuickGain = 16;  // beyond, single precision leaves too much unclear
+constexpr double kTargetSpread = 100;         // twice the mean absolute deviation that the balanced image shall have
+constexpr int32_t kStrip = 1024;              // columns balanced at a time, for their means on the stack
+constexpr int32_t kLargestQuickGain = 16;     // beyond, single precision leaves too much unclear
+constexpr int32_t kLongestShortColumn = 128;  // above and below a pixel, in windows with columns' sums of 16 bits
+static_assert((2 * kLongestShortColumn + 1) * 255 <= UINT16_MAX);
 constexpr int64_t kLargestQuickWindow = 8000000;          // pixels; their sum fits in 31 bits
 constexpr uint64_t kMostQuickPixels = uint64_t{1} << 26;  // whose deviation is known without adding it up
 
@@ -38,16 +40,35 @@ void replace_white(const uint8_t* __restrict pixels, uint8_t* __restrict replace
   for (int32_t i = 0; i < count; i++) replaced[i] = pixels[i] != kWhite ? pixels[i] : background;
 }
 
-QUO_MULTIVERSION void slide(const uint8_t* __restrict entering, const uint8_t* __restrict leaving, uint8_t background,
-                            uint32_t* __restrict columns, int32_t count) {
+template <typename Sum>
+[[gnu::always_inline]] inline void slide_sums(const uint8_t* __restrict entering, const uint8_t* __restrict leaving,
+                                              uint8_t background, Sum* __restrict columns, int32_t count) {
   uint8_t gained[kStrip], lost[kStrip];
   replace_white(entering, gained, count, background);
   replace_white(leaving, lost, count, background);
-  for (int32_t i = 0; i < count; i++) columns[i] += static_cast<uint32_t>(static_cast<int16_t>(gained[i] - lost[i]));
+  for (int32_t i = 0; i < count; i++) {
+    columns[i] = static_cast<Sum>(columns[i] + static_cast<Sum>(static_cast<int16_t>(gained[i] - lost[i])));
+  }
+}
+
+QUO_MULTIVERSION void slide(const uint8_t* entering, const uint8_t* leaving, uint8_t background, uint16_t* columns,
+                            int32_t count) {
+  slide_sums(entering, leaving, background, columns, count);
+}
+
+QUO_MULTIVERSION void slide(const uint8_t* entering, const uint8_t* leaving, uint8_t background, uint32_t* columns,
+                            int32_t count) {
+  slide_sums(entering, leaving, background, columns, count);
+}
+
+QUO_MULTIVERSION void subtract(const uint32_t* __restrict sums, const uint32_t* __restrict subtracted,
+                               uint32_t* __restrict differences, int32_t count) {
+  for (int32_t i = 0; i < count; i++) differences[i] = sums[i] - subtracted[i];
 }
 
 // Sums over the windows of one row of pixels after the other. Background counts as a gray of its own, and the outermost
-// rows and columns of the image are in no window. Sums are modulo 2^32.
+// rows and columns of the image are in no window. Sums are modulo 2^32; those over columns may be shorter numbers.
+template <typename ColumnSum>
 class Windows {
  public:
   // `memory` holds two rows of sums.
@@ -56,7 +77,7 @@ class Windows {
         half_width_(half_width),
         half_height_(half_height),
         background_(background),
-        columns_(memory),
+        columns_(reinterpret_cast<ColumnSum*>(memory)),
         running_(memory + frame.width) {
     for (int32_t x = 0; x < frame.width; x++) columns_[x] = 0;
     for (int32_t y = 1; y < std::min(half_height, frame.height - 1); y++) move(y, 0);
@@ -72,11 +93,26 @@ class Windows {
   }
 
   int32_t width() const { return frame_.width; }
-  int32_t half_width() const { return half_width_; }
-  const uint32_t* running() const { return running_; }  // entry x is the sum of the columns 1 to x
+  ptrdiff_t rows() const { return rows_.size(); }
   Extent columns(int32_t x) const { return extent(x, half_width_, frame_.width); }
   ptrdiff_t area(const Extent& columns) const { return rows_.size() * columns.size(); }
   uint32_t sum(const Extent& columns) const { return running_[columns.last] - running_[columns.before]; }
+
+  // Of the windows around the columns from `first` on. At the edge of the image one end of them does not move.
+  void find_sums(int32_t first, int32_t count, uint32_t* __restrict sums) const {
+    const auto columns_to = [&](int64_t end) {
+      return static_cast<int32_t>(std::clamp<int64_t>(end - first, 0, count));
+    };
+    const int32_t uncut = columns_to(int64_t{frame_.width} - 1 - half_width_), cut = columns_to(half_width_ + 2);
+    const ptrdiff_t last = ptrdiff_t{first} + half_width_, before = ptrdiff_t{first} - half_width_ - 1;
+    int32_t i = 0;
+    for (; i < std::min(cut, uncut); i++) sums[i] = running_[last + i];
+    if (i < uncut) {  // windows that are cut on no side
+      subtract(running_ + (last + i), running_ + (before + i), sums + i, uncut - i);
+      i = uncut;
+    }
+    for (; i < count; i++) sums[i] = running_[frame_.width - 2] - (i >= cut ? running_[before + i] : 0);
+  }
 
  private:
   static Extent extent(int32_t position, int32_t half, int32_t length) {
@@ -98,8 +134,8 @@ class Windows {
   int32_t half_height_;
   uint8_t background_;
   Extent rows_{};
-  uint32_t* columns_;  // sums over a column's pixels in the rows of the window; 0 in column 0
-  uint32_t* running_;
+  ColumnSum* columns_;  // sums over a column's pixels in the rows of the window; 0 in column 0
+  uint32_t* running_;   // entry x is the sum of the columns 1 to x
 };
 
 struct Balance {
@@ -156,100 +192,113 @@ class Definition {
   Balance balance_;
 };
 
-// Means of windows side by side, in single precision, from the running sums at and before their columns. Where the sums
-// at one end do not move on, at the edge of the image, the windows grow or shrink.
-template <int kLast, int kBefore>
-inline void find_means(const uint32_t* last, const uint32_t* before, int32_t area, int32_t rows,
-                       float* __restrict means, int32_t count) {
-  for (int32_t i = 0; i < count; i++) {
-    const auto sum = static_cast<float>(static_cast<int32_t>(last[i * kLast] - before[i * kBefore]));
-    means[i] = sum * (1.0F / static_cast<float>(area + (kLast - kBefore) * rows * i));
-  }
-}
-
-// The means of the windows of a row's columns from `first` on.
-QUO_MULTIVERSION void find_means(const Windows& windows, int32_t first, int32_t count, float* __restrict means) {
-  const int32_t left_end = windows.half_width() + 1;                 // from here on windows are not cut left,
-  const int32_t right = windows.width() - 1 - windows.half_width();  // and up to here not right
-  const int32_t middle = std::clamp(std::min(left_end, right) - first, 0, count);
-  const int32_t middle_end = std::clamp(std::max(left_end, right) - first, 0, count);
-  const auto find = [&](const auto& find_part, int32_t begin, int32_t end) {
-    if (begin >= end) return;
-    const Extent columns = windows.columns(first + begin);
-    find_part(windows.running() + columns.last, windows.running() + columns.before,
-              static_cast<int32_t>(windows.area(columns)), static_cast<int32_t>(windows.area({0, 1})), means + begin,
-              end - begin);
-  };
-  find(find_means<1, 0>, 0, middle);
-  if (left_end <= right) find(find_means<1, 1>, middle, middle_end);
-  if (left_end > right) find(find_means<0, 0>, middle, middle_end);
-  find(find_means<0, 1>, middle_end, count);
-}
-
-// Results in single precision, truncated; 255, which no result is, for background and where a rounding could decide.
-// Means are replaced by results, or by 0 where a rounding could decide what the moved value truncates to.
+// What single precision makes of the sums of windows: bounds of the results.
 //
-// With a unit roundoff of u = 2^-24, a mean is off by 3 u and so by less than 2^-14. The moved value adds half of that
-// and three roundings of values below 512: less than 2^-13. Its distance from the mean, below 640, is off by less than
-// 2^-13, the product by 2^-12 of the gain, that of 2^-26 in the gain itself included, and the two sums add roundings of
-// 2 u (640 gain + 511) and less than 2^-13 for mean and shift: together less than 2^-11 (gain + 1). The defining steps
-// in double precision are off by far less. What is below 1 gives 0 and what is 254 or more 254, so values are limited
-// to half a gray level inside that, where nothing is unclear.
-QUO_MULTIVERSION void balance_pixels(const uint8_t* __restrict pixels, const Balance& balance, float* __restrict means,
-                                     int32_t count, uint8_t* __restrict output) {
-  constexpr float kMovedMargin = 0x1p-12F;
-  const auto gain = static_cast<float>(balance.gain), shift = static_cast<float>(balance.shift);
-  const auto global_mean = static_cast<float>(balance.mean);
+// With a unit roundoff of u = 2^-24, a mean is off by 4 u and so by less than 2^-14. The moved value adds half of that
+// and roundings of two values below 128 and one below 512: less than 2^-13, and 2^-15 where a margin is taken off.
+// What it truncates to is exact where both bounds of it truncate to the same; otherwise the result may be less by the
+// gain. The products of gain and truncated value and of mean and 1 - gain, with roundings of both factors, are off by
+// 768 u gain and 1275 u (gain + 1), the constant and the sums by 1200 u (gain + 1), taking a margin off by as much once
+// more: together less than 2^-11 (gain + 1). The defining steps in double precision are off by far less, also where
+// the gain is by 2^-26 of itself.
+struct QuickBalance {
+  static constexpr float kMovedMargin = 0x1p-12F;
+
+  float half_mean;  // of the image, and a margin
+  float gain;
+  float mean_share;  // of a window's mean in the result
+  float shift;       // and a margin
+  float margin;
+
+  explicit QuickBalance(const Balance& balance)
+      : half_mean(static_cast<float>(balance.mean / 2 + static_cast<double>(kMovedMargin))),
+        gain(static_cast<float>(balance.gain)),
+        mean_share(static_cast<float>(1 - balance.gain)),
+        shift(static_cast<float>(balance.shift + (balance.gain + 1) * 0x1p-11)),
+        margin(0x1p-11F * (static_cast<float>(balance.gain) + 1)) {}
+};
+
+// Bounds of results, truncated but not yet limited to grays; in 16 bits, since with a gain up to 16 they lie within
+// 10784 of 0.
+struct Bounds {
+  int16_t* least;
+  int16_t* most;
+};
+
+QUO_MULTIVERSION void bound_results(const uint8_t* __restrict pixels, const uint32_t* __restrict sums,
+                                    const float* __restrict shares, float row_share, const QuickBalance& balance,
+                                    const Bounds& bounds, int32_t count) {
+  int16_t* const __restrict least = bounds.least;
+  int16_t* const __restrict most = bounds.most;
+  const float half_mean = balance.half_mean, gain = balance.gain, mean_share = balance.mean_share;
+  const float shift = balance.shift, margins = 2 * balance.margin;
   for (int32_t i = 0; i < count; i++) {
-    const float moved = static_cast<float>(pixels[i]) + (global_mean - means[i]) * 0.5F;
-    const auto whole = static_cast<float>(static_cast<int32_t>(moved));
-    const float scaled = (whole - means[i]) * gain + means[i] + shift;
-    const float below = scaled < kBrightest + 0.5F ? scaled : kBrightest + 0.5F;
-    const float limited = below > 0.5F ? below : 0.5F;
-    means[i] = std::fabs(std::fabs(moved - whole) - 0.5F) < 0.5F - kMovedMargin ? limited : 0.0F;
-  }
-  const float margin = 0x1p-11F * (gain + 1);
-  for (int32_t i = 0; i < count; i++) {
-    const auto whole = static_cast<int32_t>(means[i]);
-    const float part = std::fabs(means[i] - static_cast<float>(whole) - 0.5F);
-    const int32_t marked = static_cast<int32_t>(part >= 0.5F - margin) | static_cast<int32_t>(pixels[i] == kWhite);
-    output[i] = static_cast<uint8_t>(whole | -marked);
+    const float mean = static_cast<float>(static_cast<int32_t>(sums[i])) * (shares[i] * row_share);
+    const float moved = static_cast<float>(pixels[i]) + (half_mean - mean * 0.5F);
+    const auto whole = static_cast<int32_t>(moved);
+    const int32_t step = whole - static_cast<int32_t>(moved - 2 * QuickBalance::kMovedMargin);
+    const float scaled = static_cast<float>(whole) * gain + (mean * mean_share + shift);
+    most[i] = static_cast<int16_t>(static_cast<int32_t>(scaled));
+    least[i] = static_cast<int16_t>(static_cast<int32_t>(scaled - margins) - 2 * kLargestQuickGain * step);
   }
 }
 
-// Balances the pixels of a row's columns from `first` on whose results are 255, which is all of them at first.
-void balance_by_definition(const uint8_t* pixels, const Windows& windows, int32_t first, int32_t count,
-                           Definition& definition, uint8_t* results) {
-  for (int32_t x = first; x < first + count; x++) {
-    while (first + count - x >= 8 && !quo::has_zero_byte(~quo::load_eight(results + x))) x += 8;  // none is 255
-    if (x == first + count) return;
-    if (results[x] != kWhite || pixels[x] == kWhite) continue;
-    const Extent columns = windows.columns(x);
+// Results where both bounds give the same. Marks the pixels where they do not, by other bytes than 0.
+QUO_MULTIVERSION void settle_results(const uint8_t* __restrict pixels, const int16_t* __restrict least,
+                                     const int16_t* __restrict most, int32_t count, uint8_t* __restrict results,
+                                     uint8_t* __restrict unclear) {
+  for (int32_t i = 0; i < count; i++) {
+    const int16_t low = std::max<int16_t>(std::min<int16_t>(least[i], kBrightest), 0);
+    const int16_t high = std::max<int16_t>(std::min<int16_t>(most[i], kBrightest), 0);
+    const auto white = static_cast<uint8_t>(pixels[i] == kWhite ? 255 : 0);
+    unclear[i] = static_cast<uint8_t>(static_cast<uint8_t>(high - low) & ~white);
+    results[i] = static_cast<uint8_t>(static_cast<uint8_t>(high) | white);
+  }
+}
+
+// Balances the marked pixels of a row, of `count` from column `first` on.
+template <typename ColumnSum>
+void balance_by_definition(const uint8_t* pixels, const uint8_t* marks, const Windows<ColumnSum>& windows,
+                           int32_t first, int32_t count, Definition& definition, uint8_t* results) {
+  for (int32_t i = 0; i < count; i++) {
+    while (count - i >= 8 && quo::load_eight(marks + i) == 0) i += 8;
+    if (i == count) return;
+    if (marks[i] == 0) continue;
+    const Extent columns = windows.columns(first + i);
     const double local = windows.sum(columns) / static_cast<double>(windows.area(columns));
-    results[x] = definition.balanced(pixels[x], local);
+    results[i] = definition.balanced(pixels[i], local);
   }
 }
 
-void balance_image(const GrayFrame& frame, Windows& windows, const quo::GlobalContrast& contrast, bool small_windows,
-                   uint8_t* output) {
+template <typename ColumnSum>
+void balance_image(const GrayFrame& frame, Windows<ColumnSum> windows, const quo::GlobalContrast& contrast,
+                   bool small_windows, float* shares, uint8_t* output) {
+  // Of a column in the mean of a window's row.
+  for (int32_t x = 0; x < frame.width; x++) shares[x] = 1.0F / static_cast<float>(windows.columns(x).size());
   const double error = static_cast<double>(contrast.count + 1024) * 0x1p-53;
   const Balance near(contrast, contrast.deviation, error);
   const bool quick = contrast.count <= kMostQuickPixels && near.gain <= kLargestQuickGain && small_windows;
+  const QuickBalance quick_balance(near);
   Definition definition(frame, contrast, quick ? near : Balance(contrast, quo::defined_deviation(frame, contrast), 0));
   for (int32_t y = 0; y < frame.height; y++) {
     const uint8_t* const pixels = frame.row(y);
-    uint8_t* const results = output + static_cast<ptrdiff_t>(y) * frame.width;
     windows.move_down(y);
     for (int32_t x = 0, count = 0; x < frame.width; x += count) {
-      float means[kStrip];
+      int16_t least[kStrip], most[kStrip];
+      uint32_t sums[kStrip];
+      uint8_t marks[kStrip];
+      uint8_t* const results = output + static_cast<ptrdiff_t>(y) * frame.width + x;
       count = std::min(kStrip, frame.width - x);
       if (quick) {
-        find_means(windows, x, count, means);
-        balance_pixels(pixels + x, near, means, count, results + x);
+        windows.find_sums(x, count, sums);
+        bound_results(pixels + x, sums, shares + x, 1.0F / static_cast<float>(windows.rows()), quick_balance,
+                      {least, most}, count);
+        settle_results(pixels + x, least, most, count, results, marks);
       } else {
-        for (int32_t i = x; i < x + count; i++) results[i] = kWhite;
+        for (int32_t i = 0; i < count; i++) results[i] = kWhite;
+        for (int32_t i = 0; i < count; i++) marks[i] = pixels[x + i] != kWhite ? 1 : 0;
       }
-      balance_by_definition(pixels, windows, x, count, definition, results);
+      balance_by_definition(pixels + x, marks, windows, x, count, definition, results);
     }
   }
 }
@@ -268,18 +317,25 @@ uint32_t LocalGrayBalance(const uint8_t* source, uint8_t* output, int32_t width,
   const int32_t half_width = half_size(window_width), half_height = half_size(window_height);
   if (half_width < 1 || half_height < 1) return 0;
   const uint64_t pixels = width < 1 ? 0 : static_cast<uint64_t>(width) * height;
-  // Two rows of sums are all that is used; memory for a summed-area table and for row sums is reserved because a call
-  // without it must fail.
-  quo::Scratch<uint32_t> sums, row_sums;
+  // Two rows of sums and one of shares are all that is used; memory for a summed-area table and for row sums is reserved
+  // because a call without it must fail.
+  quo::Scratch<uint32_t> sums;
+  quo::Scratch<float> shares;
   if (!sums.allocate(pixels)) return 0;
   if (width < 3 || height < 3) return 0;
   const GrayFrame frame{source, width, static_cast<int32_t>(height)};
   quo::GlobalContrast contrast;
   if (!quo::measure_contrast(frame, contrast)) return 0;
-  if (!row_sums.allocate(pixels)) return 0;
-  row_sums.reset();
-  Windows windows(frame, half_width, half_height, static_cast<uint8_t>(contrast.mean + 0.5), sums.get());
+  if (!shares.allocate(pixels)) return 0;
+  const auto background = static_cast<uint8_t>(contrast.mean + 0.5);
   const bool small_windows = (int64_t{2} * half_width + 1) * (int64_t{2} * half_height + 1) <= kLargestQuickWindow;
-  balance_image(frame, windows, contrast, small_windows, output);
+  const auto balance = [&](auto windows) {
+    balance_image(frame, windows, contrast, small_windows, shares.get(), output);
+  };
+  if (half_height <= kLongestShortColumn) {
+    balance(Windows<uint16_t>(frame, half_width, half_height, background, sums.get()));
+  } else {
+    balance(Windows<uint32_t>(frame, half_width, half_height, background, sums.get()));
+  }
   return 1;
 }
