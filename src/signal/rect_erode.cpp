@@ -1,40 +1,23 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "frame/gray.h"
+#include "frame/kept_pixels.h"
+#include "frame/multiversion.h"
 #include "quoFPAlg.h"
 
 namespace {
 
-constexpr int32_t kSegment = 240;  // columns, of which as many may be kept as a byte can count
-static_assert(kSegment <= UINT8_MAX);
-
-// The bits that the pixels of each column of three rows have in common.
-void intersect_rows(const uint8_t* __restrict above, const uint8_t* __restrict middle, const uint8_t* __restrict below,
-                    uint8_t* __restrict common, int32_t count) {
-  for (int32_t i = 0; i < count; i++) common[i] = above[i] & middle[i] & below[i];
-}
-
-// Sets the outputs whose three columns are set and returns how many; of the others no bit changes.
-// Never inlined: a compiler that sees the columns to be one row shifted carries pixels from step to step, and then
-// finds no vectors.
-[[gnu::noinline]] uint8_t keep_set(const uint8_t* __restrict left, const uint8_t* __restrict middle,
-                                   const uint8_t* __restrict right, uint8_t* __restrict output, int32_t count) {
-  uint8_t kept = 0;
-  for (int32_t i = 0; i < count; i++) {
-    const uint8_t set = (left[i] & middle[i] & right[i]) == quo::kWhite ? quo::kWhite : 0;
-    output[i] |= set;
-    kept = static_cast<uint8_t>(kept + (set & 1));
-  }
-  return kept;
-}
+constexpr int32_t kSegment = 1024;  // columns looked at together
+static_assert(kSegment <= quo::kMostKept);
 
 // A 3 x 3 neighbourhood is all 255 exactly when the bits that its pixels have in common are 255.
-uint8_t erode_segment(const uint8_t* mask, size_t stride, uint8_t* output, int32_t count) {
-  uint8_t common[kSegment + 2];
-  const uint8_t* const left = mask - 1;
-  intersect_rows(left - stride, left, left + stride, common, count + 2);
-  return keep_set(common, common + 1, common + 2, output, count);
+QUO_MULTIVERSION uint32_t erode_segment(const uint8_t* above, const uint8_t* middle, const uint8_t* below,
+                                        uint8_t* output, int32_t count) {
+  const auto of_three = [](const uint8_t* row, int32_t i) { return row[i - 1] & row[i] & row[i + 1]; };
+  const auto stays = [=](int32_t i) {
+    return quo::all_set(of_three(above, i) & of_three(middle, i) & of_three(below, i));
+  };
+  return quo::keep_passing(stays, output, count);
 }
 
 }  // namespace
@@ -51,7 +34,7 @@ void MyRectErode(const uint8_t* mask, uint8_t* output, int32_t width, int32_t he
     for (int32_t x = border; x < right; x += kSegment) {
       const size_t at = static_cast<size_t>(y) * stride + static_cast<size_t>(x);
       const auto columns = static_cast<int32_t>(std::min<int64_t>(kSegment, right - x));
-      kept += erode_segment(mask + at, stride, output + at, columns);
+      kept += erode_segment(mask + (at - stride), mask + at, mask + (at + stride), output + at, columns);
     }
   }
   if (count != nullptr) *count = kept;

@@ -1,15 +1,14 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "frame/gray.h"
+#include "frame/kept_pixels.h"
+#include "frame/multiversion.h"
 #include "quoFPAlg.h"
 
 namespace {
 
-using quo::kWhite;
-
-constexpr int32_t kSegment = 240;  // columns, of which as many may stay as a byte can count
-static_assert(kSegment <= UINT8_MAX);
+constexpr int32_t kSegment = 1024;  // columns looked at together
+static_assert(kSegment <= quo::kMostKept);
 
 // A row of the mask and its neighbours. Outside the image the row itself stands in for them, which adds no condition.
 struct Rows {
@@ -18,22 +17,11 @@ struct Rows {
   const uint8_t* below;
 };
 
-// The bits that a pixel has in common with its neighbours are 255 exactly when all of them are.
-uint8_t survives(int pixels_in_common) { return pixels_in_common == kWhite ? kWhite : 0; }
-
-// Sets the outputs of the pixels that stay and returns how many; of the others no bit changes.
-// Never inlined: a compiler that sees the neighbours to be one row shifted carries pixels from step to step, and then
-// finds no vectors.
-[[gnu::noinline]] uint8_t keep_set(const uint8_t* __restrict above, const uint8_t* __restrict left,
-                                   const uint8_t* __restrict middle, const uint8_t* __restrict right,
-                                   const uint8_t* __restrict below, uint8_t* __restrict output, int32_t count) {
-  uint8_t kept = 0;
-  for (int32_t i = 0; i < count; i++) {
-    const uint8_t set = survives(middle[i] & above[i] & below[i] & left[i] & right[i]);
-    output[i] |= set;
-    kept = static_cast<uint8_t>(kept + (set & 1));
-  }
-  return kept;
+// A pixel stays when the bits that it has in common with its neighbours are 255.
+QUO_MULTIVERSION uint32_t keep_set(const uint8_t* above, const uint8_t* left, const uint8_t* middle,
+                                   const uint8_t* right, const uint8_t* below, uint8_t* output, int32_t count) {
+  const auto stays = [=](int32_t i) { return quo::all_set(middle[i] & above[i] & below[i] & left[i] & right[i]); };
+  return quo::keep_passing(stays, output, count);
 }
 
 // Erodes the columns of a row from `first` to `end`, not included; returns how many pixels stay. The first and the last
