@@ -57,7 +57,7 @@ class Strip {
       : frame_(frame),
         half_(half),
         left_(left),
-        count_(count_of(kColumns - 2 * half.width, frame.width - left)),
+        count_(count_of(half.width, frame.width - left)),
         columns_(count_ + 2 * half.width),
         inside_(std::max(half.width - left, 0)),
         inside_count_(at_most(columns_, int64_t{frame.width} - left + half.width) - inside_),
@@ -90,12 +90,14 @@ class Strip {
  private:
   static constexpr int32_t kMostCommon = 4;  // values whose distances are carried from row to row
 
-  // Pixels of a strip of at most `most`, when so many are left: about as many as the strips after it will have.
-  static int32_t count_of(int32_t most, int32_t left) {
+  // Pixels of a strip when so many are left: whole vectors, and about as many as the strips after it will have.
+  static int32_t count_of(int32_t half_width, int32_t left) {
+    const int32_t most = (kColumns - 2 * half_width) / kVector * kVector;
     if (left <= most) return left;
-    const int32_t share = left / (1 + (left - 1) / most);
-    return std::min((share + kVector) / kVector * kVector, most);
+    const int32_t strips = 1 + (left - 1) / most;
+    return std::min((left / strips + kVector) / kVector * kVector, most);
   }
+  static_assert(kColumns - 2 * kWidestHalf >= kVector);
 
   // Columns right of an image may be beyond what 32 bits count.
   static int32_t at_most(int32_t limit, int64_t value) { return value < limit ? static_cast<int32_t>(value) : limit; }
