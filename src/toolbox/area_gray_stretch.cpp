@@ -236,14 +236,24 @@ class Strip {
     quo::settle_by_halves(pixels, numbers_, left_numbers, sums(), settled_, count_);
   }
 
+  // Bit 0 of each byte of eight that is not open.
+  uint64_t settled_bits(int32_t i) const {
+    static_assert(quo::kOpen == 0 && quo::kFlat == 1 && quo::kTextured == 2);
+    const uint64_t eight = quo::load_eight(settled_ + i);
+    return (eight | eight >> 1) & quo::kEightTimes;
+  }
+
   // Lists the pixels that are open. Returns their number.
   int32_t list_open(uint16_t* open) const {
+    static_assert(kColumns % 32 == 0);
     int32_t number = 0;
-    for (int32_t i = 0; i < count_; i += 8) {
-      const uint64_t eight = quo::load_eight(settled_ + i);
-      static_assert(quo::kOpen == 0 && quo::kFlat == 1 && quo::kTextured == 2);
-      for (uint64_t bits = ~(eight | eight >> 1) & quo::kEightTimes; bits != 0; bits &= bits - 1) {
-        open[number++] = static_cast<uint16_t>(i + std::countr_zero(bits) / 8);
+    for (int32_t i = 0; i < count_; i += 32) {
+      const uint64_t settled[] = {settled_bits(i), settled_bits(i + 8), settled_bits(i + 16), settled_bits(i + 24)};
+      if ((settled[0] & settled[1] & settled[2] & settled[3]) == quo::kEightTimes) continue;
+      for (int32_t k = 0; k < 4; k++) {
+        for (uint64_t bits = ~settled[k] & quo::kEightTimes; bits != 0; bits &= bits - 1) {
+          open[number++] = static_cast<uint16_t>(i + 8 * k + std::countr_zero(bits) / 8);
+        }
       }
     }
     return number;
