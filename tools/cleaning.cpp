@@ -1,5 +1,6 @@
 #include "cleaning.h"
 
+#include <CLI/CLI.hpp>
 #include <map>
 
 #include "failure.h"

@@ -1,12 +1,12 @@
 // The library's preprocessing as the commands offer it: options, the call, and what it measured.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "cli_forward.h"
 #include "frame_io.h"
 
 namespace quofp {

@@ -1,6 +1,8 @@
 #include "inputs.h"
 
+#include <CLI/CLI.hpp>
 #include <filesystem>
+#include <map>
 #include <set>
 
 namespace quofp {
@@ -98,6 +100,14 @@ void add_input(CLI::App& command, Inputs& inputs, bool required) {
       ->expected(required ? 1 : 0, 1)
       ->type_name("FILE");
   add_reading_options(command, inputs.reading);
+}
+
+void add_format_option(CLI::App& command, Format& format) {
+  static const std::map<std::string, Format> names = {
+      {"table", Format::kTable}, {"csv", Format::kCsv}, {"json", Format::kJson}};
+  command.add_option("--format", format, "how rows are printed: table (default), csv or json")
+      ->transform(CLI::CheckedTransformer(names, CLI::ignore_case).description(""))
+      ->type_name("FORMAT");
 }
 
 void add_output(CLI::App& command, Output& output, const std::string& description) {

@@ -1,14 +1,15 @@
 // The frames that a command works on, and the options that say how to read them.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "cli_forward.h"
 #include "failure.h"
 #include "frame_reader.h"
+#include "table.h"
 
 namespace quofp {
 
@@ -37,6 +38,9 @@ struct Output {
 
 /** Declares -o. */
 void add_output(CLI::App& command, Output& output, const std::string& description);
+
+/** Declares --format table|csv|json. */
+void add_format_option(CLI::App& command, Format& format);
 
 /** The output of each input. With several inputs, or when the path ends in a slash or is a folder, outputs lie in that
  *  folder, named as the inputs with another ending; frame N of a raw file dump.raw is dump-N. */

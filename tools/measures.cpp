@@ -54,8 +54,9 @@ std::vector<Cell> measure_blocks(const Frame& frame) {
     directions[static_cast<size_t>(direction)]++;
   }
   const auto fullest = std::max_element(directions.begin() + 1, directions.end());
-  const Cell direction = *fullest == 0 ? Cell() : Cell(fullest - directions.begin());
-  return {blocks.count, finger, finger - directions[0], direction};
+  std::optional<int64_t> direction;
+  if (*fullest > 0) direction = fullest - directions.begin();
+  return {blocks.count, finger, finger - directions[0], optional_cell(direction)};
 }
 
 std::vector<Cell> measure_snr(const Frame& frame) {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "inputs.h"
+#include "reading.h"
 
 namespace quofp {
 

@@ -7,7 +7,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
-#include <map>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
@@ -71,14 +70,6 @@ std::string dump(const nlohmann::ordered_json& json, int indent) {
 bool is_text(const Cell& cell) { return std::holds_alternative<std::string>(cell); }
 
 }  // namespace
-
-void add_format_option(CLI::App& command, Format& format) {
-  static const std::map<std::string, Format> names = {
-      {"table", Format::kTable}, {"csv", Format::kCsv}, {"json", Format::kJson}};
-  command.add_option("--format", format, "how rows are printed: table (default), csv or json")
-      ->transform(CLI::CheckedTransformer(names, CLI::ignore_case).description(""))
-      ->type_name("FORMAT");
-}
 
 std::string csv_heading(const std::vector<Column>& columns) {
   std::string line;

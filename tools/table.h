@@ -1,7 +1,6 @@
 // One set of rows, shown as an aligned table, as CSV or as JSON.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <cstdint>
 #include <iosfwd>
 #include <optional>
@@ -12,9 +11,6 @@
 namespace quofp {
 
 enum class Format { kTable, kCsv, kJson };
-
-/** Declares --format table|csv|json. */
-void add_format_option(CLI::App& command, Format& format);
 
 /** A column: its name is the same in all three formats, lower case with underscores, and does not change between
  *  versions. Values of type double show this many decimals. */
