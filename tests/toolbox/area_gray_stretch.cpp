@@ -37,6 +37,24 @@ TEST(AreaGrayStretch, DecidesFlatWindowsExactly) {
   }
 }
 
+// Differences in cells of 4 x 4 pixels that add up to the number of pixels in the window, one less or one more, while the
+// distances of the middle pixel's window add up to the same.
+TEST(AreaGrayStretch, DecidesCellsExactly) {
+  for (const int32_t side : {7, 15, 23}) {
+    for (const int32_t total : {side * side - 1, side * side, side * side + 1}) {
+      Image image(side, side, 100);
+      for (int32_t left = total; left > 0;) {
+        for (int32_t i = 0; i < side * side && left > 0; i++) {
+          if (i / side % 4 >= 2 || i / side >= side / 4 * 4 || i % side >= side / 4 * 4) continue;
+          image.pixels[static_cast<size_t>(i)]++;
+          left--;
+        }
+      }
+      expect_stretched(image, side, side);
+    }
+  }
+}
+
 // Smooth slopes, on which few pixels of a row have the same value.
 TEST(AreaGrayStretch, EqualsItsLiteralFormOnSlopes) {
   for (const int32_t steps : {1, 2, 3, 5}) {
