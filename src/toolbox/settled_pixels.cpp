@@ -84,7 +84,7 @@ QUO_MULTIVERSION void settle_open_by_sums(const uint8_t* __restrict pixels, cons
   }
   settle_far(far, settled, count);
   for (int32_t i = 0; i < count; i++) {
-    settled[i] = (sides[i] == 0) & (settled[i] == kOpen) ? uint8_t{kFlat} : settled[i];
+    settled[i] = ((sides[i] == 0) & (settled[i] == kOpen)) != 0 ? uint8_t{kFlat} : settled[i];
   }
 }
 
