@@ -24,8 +24,8 @@ template <typename Test>
 }
 
 /** Sets the outputs of the columns that `test` gives 255, of those that it gives 0 no bit changes. Returns how many it
- *  sets of at most kMostKept. Columns left after whole blocks are looked at in a block that overlaps the last one, where
- *  setting once more changes nothing. */
+ *  sets of at most kMostKept. Columns left after whole blocks are looked at in a block that overlaps the last one,
+ *  where setting once more changes nothing. */
 template <typename Test>
 [[gnu::always_inline]] inline uint32_t keep_passing(const Test& test, uint8_t* output, int32_t count) {
   uint32_t sum = 0;

@@ -68,7 +68,7 @@ class Strip {
     for (int32_t i = 0; i < columns_; i++) values_[i] = taken_[i] = 0;
     for (uint8_t& settled : settled_) settled = quo::kFlat;
     for (const Extremes& found : extremes_) {
-      for (int32_t i = columns_; i < kColumns; i++) found.lo[i] = found.end[i] = 0;
+      for (int32_t i = 0; i < kColumns; i++) found.lo[i] = found.end[i] = 0;
     }
   }
 
@@ -118,8 +118,8 @@ class Strip {
     }
   }
 
-  // Sums move down row by row. Where they are not needed they wait; but as they cost a row of additions for each of a
-  // window's rows to begin anew, they first go along for as many rows.
+  // Sums move down row by row. They are not needed now; but beginning anew later adds up all rows of a window, and so
+  // they first go along for as many rows.
   void let_sums_wait(int32_t y) {
     if (summed_row_ == y - 1 && idle_rows_++ <= 2 * half_.height) move_sums(y);
   }

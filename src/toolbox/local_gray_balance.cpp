@@ -194,13 +194,13 @@ class Definition {
 
 // What single precision makes of the sums of windows: bounds of the results.
 //
-// With a unit roundoff of u = 2^-24, a mean is off by 4 u and so by less than 2^-14. The moved value adds half of that
-// and roundings of two values below 128 and one below 512: less than 2^-13, and 2^-15 where a margin is taken off.
-// What it truncates to is exact where both bounds of it truncate to the same; otherwise the result may be less by the
-// gain. The products of gain and truncated value and of mean and 1 - gain, with roundings of both factors, are off by
-// 768 u gain and 1275 u (gain + 1), the constant and the sums by 1200 u (gain + 1), taking a margin off by as much once
-// more: together less than 2^-11 (gain + 1). The defining steps in double precision are off by far less, also where
-// the gain is by 2^-26 of itself.
+// With a unit roundoff of u = 2^-24, a mean takes five roundings and is off by 5 u, at most 1275 u. The moved value
+// adds half of that and roundings of two values below 128 and one below 512, together less than 2^-13, and 2^-15 where
+// a margin is taken off. What it truncates to is exact where both bounds of it truncate to the same; otherwise the result
+// may be less by the gain. The products of gain and truncated value and of mean and 1 - gain, with roundings of both
+// factors, are off by 768 u gain and 1785 u (gain + 1), the constant and the sums by 1200 u (gain + 1), taking a margin
+// off by as much once more: together less than 2^-11 (gain + 1). The defining steps in double precision are off by far
+// less, also where the gain is by 2^-26 of itself.
 struct QuickBalance {
   static constexpr float kMovedMargin = 0x1p-12F;
 
@@ -218,8 +218,8 @@ struct QuickBalance {
         margin(0x1p-11F * (static_cast<float>(balance.gain) + 1)) {}
 };
 
-// Bounds of results, truncated but not yet limited to grays; in 16 bits, since with a gain up to 16 they lie within
-// 10784 of 0.
+// Bounds of results, truncated but not yet limited to grays. Moved values and means lie between -128 and 383, and so
+// with a gain up to 16 results fit in 16 bits.
 struct Bounds {
   int16_t* least;
   int16_t* most;
@@ -239,6 +239,7 @@ QUO_MULTIVERSION void bound_results(const uint8_t* __restrict pixels, const uint
     const int32_t step = whole - static_cast<int32_t>(moved - 2 * QuickBalance::kMovedMargin);
     const float scaled = static_cast<float>(whole) * gain + (mean * mean_share + shift);
     most[i] = static_cast<int16_t>(static_cast<int32_t>(scaled));
+    // More than a step of the moved value can change, truncation included.
     least[i] = static_cast<int16_t>(static_cast<int32_t>(scaled - margins) - 2 * kLargestQuickGain * step);
   }
 }
@@ -317,8 +318,8 @@ uint32_t LocalGrayBalance(const uint8_t* source, uint8_t* output, int32_t width,
   const int32_t half_width = half_size(window_width), half_height = half_size(window_height);
   if (half_width < 1 || half_height < 1) return 0;
   const uint64_t pixels = width < 1 ? 0 : static_cast<uint64_t>(width) * height;
-  // Two rows of sums and one of shares are all that is used; memory for a summed-area table and for row sums is reserved
-  // because a call without it must fail.
+  // Two rows of sums and one of shares are all that is used; memory for a summed-area table and for row sums is
+  // reserved because a call without it must fail.
   quo::Scratch<uint32_t> sums;
   quo::Scratch<float> shares;
   if (!sums.allocate(pixels)) return 0;

@@ -27,7 +27,7 @@ void slide_values(const uint8_t* entering, const uint8_t* leaving, uint32_t* val
 void slide_numbers(const uint8_t* entering, const uint8_t* leaving, uint16_t* numbers, int32_t count);
 
 /** Settles pixels, by a value of Settled for each, from the extremes of their windows and what is known to be textured,
- *  a 1 or 0 for each. */
+ *  a byte of 1 or 0 for each. */
 void settle(const uint8_t* pixels, const uint8_t* textured, const Extremes& windows, uint8_t* settled, int32_t count);
 
 /** Settles open pixels by the sums and the extremes of their windows, of `numbers` pixels each. */

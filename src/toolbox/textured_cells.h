@@ -9,9 +9,10 @@ namespace quo {
 
 /** The differences inside cells of 4 x 4 pixels, and which cells lie amid so many that all their pixels are textured.
  *
- *  The distances of two pixels from a third add up to their own distance or more. So do those of the pixels of a window
- *  to the differences of any pairs that share no pixel. Here pairs are the pixels two rows apart in a cell, without
- *  background; all pixels of a cell have the cells up to (half - 3) / 4 cells away in their windows. */
+ *  The distances of two pixels from a third add up to their own distance or more, and so the distances of a window's
+ *  pixels to at least the differences of any of its pairs that share no pixel. Here pairs are the pixels two rows apart
+ *  in a cell, without background; all pixels of a cell have the cells up to (half - 3) / 4 cells away in their
+ *  windows. */
 class TexturedCells {
  public:
   /** Under a strip of `count` pixels that begins `left` pixels right of where the columns do. */
@@ -20,8 +21,8 @@ class TexturedCells {
   static constexpr int32_t kSide = 4;
   static constexpr int32_t kMostCells = kStripColumns / kSide;
 
-  /** Of the row of cells that pixel row `y` is in, for each cell a byte of 1 for each of its four columns when its pixels
-   *  are textured, and 0 otherwise. Rows are to be asked for from the top, each once. */
+  /** Of the row of cells that pixel row `y` is in, for each cell a byte of 1 for each of its four columns when its
+   *  pixels are textured, and 0 otherwise. Rows are to be asked for from the top, each once. */
   void mark_row(int32_t y, uint32_t* marks);
 
  private:

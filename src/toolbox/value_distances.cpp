@@ -65,8 +65,8 @@ uint32_t distances(const uint8_t* pixels, int32_t count, uint8_t value) {
 
 uint32_t count_white(const quo::WindowPixels& window) {
   uint32_t count = 0;
-  const uint8_t* row = window.first;
-  for (int32_t j = 0; j < window.rows; j++, row += window.stride) {
+  for (int32_t j = 0; j < window.rows; j++) {
+    const uint8_t* const row = window.first + j * window.stride;
     for (int32_t i = 0; i < window.columns; i++) count += row[i] == kWhite ? 1 : 0;
   }
   return count;
@@ -77,9 +77,9 @@ uint32_t count_white(const quo::WindowPixels& window) {
 bool distances_exceed(const quo::WindowPixels& window, uint8_t value, uint32_t limit) {
   const int32_t columns = window.columns, whole = (columns - 1) / kStep * kStep;
   const uint8_t* const mask = kMasks.bytes + kStep - (columns - whole);
-  const uint8_t* row = window.first;
   uint32_t sum = 0;
-  for (int32_t j = 0; j < window.rows && sum <= limit; j++, row += window.stride) {
+  for (int32_t j = 0; j < window.rows && sum <= limit; j++) {
+    const uint8_t* const row = window.first + j * window.stride;
     for (int32_t i = 0; i < whole; i += kStep) sum += step_distances(row + i, value);
     sum += window.end - row >= whole + kStep ? masked_distances(row + whole, mask, value)
                                              : distances(row + whole, columns - whole, value);

@@ -37,8 +37,8 @@ TEST(AreaGrayStretch, DecidesFlatWindowsExactly) {
   }
 }
 
-// Differences in cells of 4 x 4 pixels that add up to the number of pixels in the window, one less or one more, while the
-// distances of the middle pixel's window add up to the same.
+// Differences in cells of 4 x 4 pixels that add up to the number of pixels in the window, one less or one more, while
+// the distances of the middle pixel's window add up to the same.
 TEST(AreaGrayStretch, DecidesCellsExactly) {
   for (const int32_t side : {7, 15, 23}) {
     for (const int32_t total : {side * side - 1, side * side, side * side + 1}) {
