@@ -196,11 +196,11 @@ class Definition {
 //
 // With a unit roundoff of u = 2^-24, a mean takes five roundings and is off by 5 u, at most 1275 u. The moved value
 // adds half of that and roundings of two values below 128 and one below 512, together less than 2^-13, and 2^-15 where
-// a margin is taken off. What it truncates to is exact where both bounds of it truncate to the same; otherwise the result
-// may be less by the gain. The products of gain and truncated value and of mean and 1 - gain, with roundings of both
-// factors, are off by 768 u gain and 1785 u (gain + 1), the constant and the sums by 1200 u (gain + 1), taking a margin
-// off by as much once more: together less than 2^-11 (gain + 1). The defining steps in double precision are off by far
-// less, also where the gain is by 2^-26 of itself.
+// a margin is taken off. What it truncates to is exact where both bounds of it truncate to the same; otherwise the
+// result may be less by the gain. The products of gain and truncated value and of mean and 1 - gain, with roundings of
+// both factors, are off by 768 u gain and 1785 u (gain + 1), the constant and the sums by 1200 u (gain + 1), taking a
+// margin off by as much once more: together less than 2^-11 (gain + 1). The defining steps in double precision are off
+// by far less, also where the gain is by 2^-26 of itself.
 struct QuickBalance {
   static constexpr float kMovedMargin = 0x1p-12F;
 

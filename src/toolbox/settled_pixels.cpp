@@ -62,8 +62,8 @@ inline void settle_far(const uint8_t* __restrict far, uint8_t* __restrict settle
 
 // Open pixels by whether |s - nv| and twice the distance of v from the nearer extreme exceed n. With distances of P in
 // all upwards and N downwards, s - nv = P - N; and P + N is |P - N| and twice the smaller of both, which is no less
-// than the distance of the extreme on its side. An extreme itself has distances on one side only and is settled either way.
-// All are whole numbers below 2^24: n v <= 254 n, and s <= 254 n.
+// than the distance of the extreme on its side. An extreme itself has distances on one side only and is settled either
+// way. All are whole numbers below 2^24: n v <= 254 n, and s <= 254 n.
 QUO_MULTIVERSION void settle_open_by_sums(const uint8_t* __restrict pixels, const Extremes& windows,
                                           const float* __restrict numbers, const RunningSums& sums,
                                           uint8_t* __restrict settled, int32_t count) {
