@@ -1,7 +1,6 @@
 // The frames that a command works on, and the options that say how to read them.
 #pragma once
 
-#include <map>
 #include <optional>
 #include <string>
 #include <vector>

@@ -294,7 +294,6 @@ class Strip {
     const uint8_t* const pixels = pixel_row(y);
     for (int32_t k = 0; k < open_count; k++) {
       const int32_t i = open[k];
-      if (settled_[i] != quo::kOpen) continue;
       const Window window = window_of(i, y);
       const quo::WindowPixels in_window{frame_.row(window.top) + window.left, frame_.width,
                                         window.right - window.left + 1, window.bottom - window.top + 1,

@@ -92,7 +92,6 @@ class Windows {
     quo::add_up(columns_, running_, frame_.width - 1);
   }
 
-  int32_t width() const { return frame_.width; }
   ptrdiff_t rows() const { return rows_.size(); }
   Extent columns(int32_t x) const { return extent(x, half_width_, frame_.width); }
   ptrdiff_t area(const Extent& columns) const { return rows_.size() * columns.size(); }

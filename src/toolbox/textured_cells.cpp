@@ -6,21 +6,13 @@
 
 namespace {
 
-using quo::kWhite;
-
-// A distance as max - a + max - b stays in bytes; GCC 12 takes max - min apart into selections between 16-bit sums.
-inline uint8_t difference(uint8_t a, uint8_t b) {
-  const uint8_t higher = std::max(a, b);
-  const auto distance = static_cast<uint8_t>((higher - a) + (higher - b));
-  return static_cast<uint8_t>(distance & (higher == kWhite ? 0 : 255));
-}
-
 // Of the two pairs of pixels in each column of a row of cells.
 QUO_MULTIVERSION void add_differences(const uint8_t* __restrict first, const uint8_t* __restrict second,
                                       const uint8_t* __restrict third, const uint8_t* __restrict fourth,
                                       uint16_t* __restrict sums, int32_t count) {
   for (int32_t i = 0; i < count; i++) {
-    sums[i] = static_cast<uint16_t>(difference(first[i], third[i]) + difference(second[i], fourth[i]));
+    sums[i] = static_cast<uint16_t>(quo::foreground_distance(first[i], third[i]) +
+                                    quo::foreground_distance(second[i], fourth[i]));
   }
 }
 

@@ -12,13 +12,8 @@ using quo::kWhite;
 
 constexpr int32_t kStep = 16;  // pixels of a window whose distances are added up at once
 
-// A distance as max - a + max - b stays in bytes; GCC 12 takes max - min apart into selections between 16-bit sums.
 void find_distances(const uint8_t* __restrict pixels, uint8_t value, uint8_t* __restrict distances, int32_t count) {
-  for (int32_t i = 0; i < count; i++) {
-    const uint8_t higher = std::max(pixels[i], value);
-    const auto distance = static_cast<uint8_t>((higher - pixels[i]) + (higher - value));
-    distances[i] = static_cast<uint8_t>(distance & (pixels[i] == kWhite ? 0 : 255));
-  }
+  for (int32_t i = 0; i < count; i++) distances[i] = quo::foreground_distance(pixels[i], value);
 }
 
 QUO_MULTIVERSION void slide(const uint8_t* __restrict entering, const uint8_t* __restrict leaving, uint8_t value,
