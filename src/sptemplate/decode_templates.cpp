@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "frame/eight_bytes.h"
 #include "frame/scratch.h"
 #include "quoFPAlg.h"
 #include "sptemplate/profile_record.h"
@@ -7,7 +8,8 @@
 namespace {
 
 constexpr uint32_t kLargestPayload = 1020;
-constexpr uint32_t kShortRun = 16;
+constexpr uint32_t kStep = 16;      // bytes of most runs
+constexpr uint32_t kShortRun = 48;  // bytes of nearly all
 
 // A section takes as many coded bytes as decoded ones for its header and at most twice as many for its runs.
 static_assert(QUO_SP_MAX_READ ==
@@ -18,11 +20,11 @@ static_assert(QUO_SP_MAX_READ ==
 class SectionDecoder {
  public:
   SectionDecoder(const uint8_t* coded, uint8_t* payload, uint32_t length)
-      : coded_(coded), out_(payload), room_(length) {}
+      : coded_(coded), payload_(payload), length_(length) {}
 
   /** Expands all sections; false when one does not fit. */
   bool decode_all() {
-    while (room_ > 0) {
+    while (at_ < length_) {
       if (!decode_section()) return false;
     }
     return true;
@@ -32,45 +34,57 @@ class SectionDecoder {
   const uint8_t* position() const { return coded_; }
 
  private:
+  uint32_t room() const { return length_ - at_; }
+
   // A section takes at least one run, also when its length is 0; its last run may exceed its length.
   bool decode_section() {
-    if (room_ < quo::kSectionHeader) return false;
+    if (room() < quo::kSectionHeader) return false;
     const uint32_t length = std::max(quo::read_u16(coded_), 1U);
-    out_[0] = coded_[0];
-    out_[1] = coded_[1];
+    payload_[at_] = coded_[0];
+    payload_[at_ + 1] = coded_[1];
     advance(quo::kSectionHeader);
-    if (length > room_) return false;
-    for (uint32_t covered = 0; covered < length;) {
-      const uint8_t value = coded_[0];
+    if (length > room()) return false;
+    const uint32_t end = at_ + length;
+    for (;;) {
+      expand_short_runs(end);
+      if (at_ >= end) return true;
       const uint32_t count = coded_[1];
-      if (count == 0 || count > room_) return false;
-      fill_run(value, count);
+      if (count == 0 || count > room()) return false;
+      quo_memset(payload_ + at_, coded_[0], count);
       advance(count);
-      covered += count;
     }
-    return true;
   }
 
-  // Most runs are short. Where the record has room for sixteen bytes all are written: those after the run are
-  // overwritten by what follows, for a record is only handed out when it is full.
-  void fill_run(uint8_t value, uint32_t count) {
-    if (count <= kShortRun && room_ >= kShortRun) {
-      for (uint32_t i = 0; i < kShortRun; i++) out_[i] = value;
-    } else {
-      quo_memset(out_, value, count);
+  // Runs are written in whole steps where the record has room for them: what is too much is overwritten by what
+  // follows, for a record is only handed out when it is full. Stops before the first run that is not short, if any.
+  void expand_short_runs(uint32_t end) {
+    if (length_ < kStep) return;
+    const uint32_t last_step = std::min(end, length_ - kStep + 1);
+    const uint8_t* coded = coded_;
+    uint32_t at = at_;
+    for (uint32_t count; at < last_step; at += count, coded += 2) {
+      count = coded[1];
+      uint8_t* const run = payload_ + at;
+      const uint64_t eight = coded[0] * quo::kEightTimes;
+      for (uint32_t i = 0; i < kStep; i += 8) quo::store_eight(run + i, eight);
+      if (count - 1 < kStep) continue;  // most of them; a count of 0 is not
+      if (count - 1 >= kShortRun || length_ - at < kShortRun) break;
+      for (uint32_t i = kStep; i < kShortRun; i += 8) quo::store_eight(run + i, eight);
     }
+    coded_ = coded;
+    at_ = at;
   }
 
   // Headers and runs are both two coded bytes.
   void advance(uint32_t decoded) {
     coded_ += 2;
-    out_ += decoded;
-    room_ -= decoded;
+    at_ += decoded;
   }
 
   const uint8_t* coded_;
-  uint8_t* out_;
-  uint32_t room_;  // bytes that the record still takes
+  uint8_t* payload_;
+  uint32_t length_;
+  uint32_t at_ = 0;  // bytes of the payload that are decoded
 };
 
 }  // namespace

@@ -31,14 +31,24 @@ struct Overlap {
 };
 static_assert(100U * UINT16_MAX <= UINT32_MAX);
 
-Overlap overlap(const uint8_t* __restrict a, const uint8_t* __restrict b, uint32_t length) {
-  uint32_t considered = 0, agreeing = 0;
+// At most 255 positions: their counts fit the bytes that vectors of the profiles have.
+Overlap short_overlap(const uint8_t* __restrict a, const uint8_t* __restrict b, uint32_t length) {
+  uint8_t considered = 0, agreeing = 0;
   for (uint32_t i = 0; i < length; i++) {
-    const uint32_t dark_a = a[i] == quo::kDark, dark_b = b[i] == quo::kDark;
-    considered += dark_a | dark_b;
-    agreeing += dark_a & dark_b;
+    const bool dark_a = a[i] == quo::kDark, dark_b = b[i] == quo::kDark;
+    considered = static_cast<uint8_t>(considered + (dark_a | dark_b));
+    agreeing = static_cast<uint8_t>(agreeing + (dark_a & dark_b));
   }
   return {length, considered, agreeing};
+}
+
+Overlap overlap(const uint8_t* a, const uint8_t* b, uint32_t length) {
+  Overlap sum;
+  while (sum.length < length) {
+    const uint32_t at = sum.length, left = length - at;
+    sum += short_overlap(a + at, b + at, std::min(left, uint32_t{UINT8_MAX}));
+  }
+  return sum;
 }
 
 /** What the sections of two records have in common. */
