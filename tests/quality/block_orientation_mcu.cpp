@@ -14,11 +14,11 @@ reference::Records measured(const Image& image) {
 
 }  // namespace
 
-// The size of a block changes at 160 and 192 pixels.
+// The size of a block changes at 160 and 192 pixels; the widest frames have more blocks than are measured at once.
 TEST(BlockOrientation_MCU, EqualsItsDefinition) {
   Random random(31);
   for (const int32_t shorter : {8, 12, 13, 35, 159, 160, 169, 191, 192, 200, 207}) {
-    for (const Size size : {Size{shorter, shorter + 20}, {shorter + 1, shorter}}) {
+    for (const Size size : {Size{shorter, shorter + 20}, {shorter + 1, shorter}, {10 * shorter, shorter}}) {
       for (const Fill fill : kAllFills) {
         const Image image = generate(random, size.width, size.height, fill);
         ASSERT_EQ(measured(image), reference::sparse_blocks(image)) << size.width << "x" << size.height;
