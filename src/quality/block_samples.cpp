@@ -36,7 +36,7 @@ size_t take_samples(const uint8_t* __restrict block, int32_t width, int32_t size
   return count;
 }
 
-constexpr size_t kMostSamples = 25;
+constexpr size_t kMostSamples = 25;  // in a block
 
 // A block that has white pixels. The deviations are added up in the order of the samples: a mean of other than 16
 // samples is rounded, and so are the differences from it.
@@ -61,16 +61,18 @@ void measure_block(const uint8_t* block, int32_t width, int32_t size, int32_t st
   store(mean, deviations, brighter, count, record);
 }
 
-// 25 samples of each of the neighbours: number k of block i at [k][i].
-using Samples = int16_t[kMostSamples][kBlocks];
-constexpr int32_t kSizeOf25 = 10, kStepOf25 = 2;
+// Blocks of ten have 25 samples. Those of neighbours: number k of block i at [k][i].
+constexpr int32_t kSide = 10, kSampleStep = 2;
+constexpr size_t kSamples = 25;
+using Samples = int16_t[kSamples][kBlocks];
+static_assert(kSamples * kWhite <= INT16_MAX);
 
 void take_neighbours(const uint8_t* first, int32_t width, size_t count, Samples& samples) {
-  constexpr size_t kPerRow = kSizeOf25 / kStepOf25;
+  constexpr size_t kPerRow = kSide / kSampleStep;
   for (size_t i = 0; i < count; i++) {
-    const uint8_t* row = first + static_cast<ptrdiff_t>(i) * kSizeOf25;
-    for (size_t k = 0; k < kMostSamples; k += kPerRow, row += static_cast<ptrdiff_t>(kStepOf25) * width) {
-      for (size_t x = 0; x < kPerRow; x++) samples[k + x][i] = row[x * kStepOf25];
+    const uint8_t* row = first + static_cast<ptrdiff_t>(i) * kSide;
+    for (size_t k = 0; k < kSamples; k += kPerRow, row += static_cast<ptrdiff_t>(kSampleStep) * width) {
+      for (size_t x = 0; x < kPerRow; x++) samples[k + x][i] = row[x * kSampleStep];
     }
   }
 }
@@ -96,7 +98,7 @@ void measure(const Samples& __restrict samples, size_t count, Measures& __restri
     measures.highest[i] = highest;
   }
   for (size_t i = 0; i < count; i++) {
-    measures.means[i] = sums[i] / static_cast<double>(kMostSamples);
+    measures.means[i] = sums[i] / static_cast<double>(kSamples);
     thresholds[i] = static_cast<int16_t>(bright_threshold(measures.means[i]));
   }
   for (size_t i = 0; i < count; i++) {
@@ -111,27 +113,29 @@ void measure(const Samples& __restrict samples, size_t count, Measures& __restri
   }
 }
 
-void measure_by_25(const uint8_t* first, int32_t width, size_t count, quo_block_record* records) {
+void measure_blocks_of_25_samples(const uint8_t* first, int32_t width, size_t count, quo_block_record* records) {
   Samples samples;
   take_neighbours(first, width, count, samples);
   Measures measures;
   measure(samples, count, measures);
   for (size_t i = 0; i < count; i++) {
     if (measures.highest[i] == kWhite) {
-      measure_block(first + static_cast<ptrdiff_t>(i) * kSizeOf25, width, kSizeOf25, kStepOf25, records[i]);
+      measure_block(first + static_cast<ptrdiff_t>(i) * kSide, width, kSide, kSampleStep, records[i]);
     } else {
-      store(measures.means[i], measures.deviations[i], measures.brighter[i], kMostSamples, records[i]);
+      store(measures.means[i], measures.deviations[i], measures.brighter[i], kSamples, records[i]);
     }
   }
 }
 
 // Sixteen samples a block in four rows of four; those of neighbours beside each other.
 constexpr size_t kFour = 4;
+constexpr size_t kSixteen = kFour * kFour;
 constexpr size_t kColumns = kBlocks * kFour;
+static_assert(kSixteen * kWhite <= INT16_MAX && kFour * kSixteen * kWhite <= UINT16_MAX);
 
 static_assert(std::endian::native == std::endian::little, "the first pixel is the lowest byte of a step");
 
-// The first pixel of every step.
+// The first pixel of every step: whole steps are loaded, as vectors can, and end where a block does.
 template <typename Step>
 void take_row(const uint8_t* __restrict row, size_t columns, int16_t* __restrict samples) {
   for (size_t i = 0; i < columns; i++) {
@@ -149,23 +153,24 @@ struct ColumnSums {
   uint16_t white[kColumns];
 };
 
-uint32_t sum_of_block(const uint16_t* columns, size_t block) {
-  const uint16_t* const four = columns + block * kFour;
-  return uint32_t{four[0]} + four[1] + four[2] + four[3];
+template <typename Sum>
+int32_t sum_of_block(const Sum* columns, size_t block) {
+  const Sum* const four = columns + block * kFour;
+  return four[0] + four[1] + four[2] + four[3];
 }
 
-// A mean of sixteen samples and the differences from it are whole sixteenths, which need no rounding: their sum, of at
-// most 16 * 16 * 255 sixteenths, has no order.
+// A mean of sixteen samples and the differences from it are whole sixteenths, which need no rounding: their sum has no
+// order.
 QUO_MULTIVERSION
-void add_up(const int16_t (&__restrict samples)[kFour][kColumns], size_t columns, ColumnSums& __restrict sums) {
+void measure_columns(const int16_t (&__restrict samples)[kFour][kColumns], size_t columns,
+                     ColumnSums& __restrict sums) {
   constexpr auto kMargin = static_cast<int32_t>(16 * kBrightMargin);
   for (size_t i = 0; i < columns; i++) {
     sums.samples[i] = static_cast<int16_t>(samples[0][i] + samples[1][i] + samples[2][i] + samples[3][i]);
   }
   int16_t of_block[kColumns];
   for (size_t i = 0; i < columns; i += kFour) {
-    const int16_t* const four = sums.samples + i;
-    const auto sum = static_cast<int16_t>(four[0] + four[1] + four[2] + four[3]);
+    const auto sum = static_cast<int16_t>(sum_of_block(sums.samples, i / kFour));
     for (size_t k = 0; k < kFour; k++) of_block[i + k] = sum;
   }
   for (size_t i = 0; i < columns; i++) {
@@ -185,36 +190,35 @@ void add_up(const int16_t (&__restrict samples)[kFour][kColumns], size_t columns
 }
 
 template <typename Step>
-void measure_by_16(const uint8_t* first, int32_t width, size_t count, quo_block_record* records) {
+void measure_blocks_of_16_samples(const uint8_t* first, int32_t width, size_t count, quo_block_record* records) {
   constexpr int32_t kStep = sizeof(Step), kSize = kStep * int32_t{kFour};
-  constexpr uint32_t kSamples = kFour * kFour;
-  constexpr double kSixteenth = 1.0 / kSamples;
+  constexpr double kSixteenth = 1.0 / kSixteen;
   int16_t samples[kFour][kColumns];
   for (size_t y = 0; y < kFour; y++) {
     take_row<Step>(first + static_cast<ptrdiff_t>(y) * kStep * width, count * kFour, samples[y]);
   }
   ColumnSums sums;
-  add_up(samples, count * kFour, sums);
+  measure_columns(samples, count * kFour, sums);
   for (size_t i = 0; i < count; i++) {
     if (sum_of_block(sums.white, i) > 0) {
       measure_block(first + static_cast<ptrdiff_t>(i) * kSize, width, kSize, kStep, records[i]);
-      continue;
+    } else {
+      store(sum_of_block(sums.samples, i) * kSixteenth, sum_of_block(sums.deviations, i) * kSixteenth,
+            sum_of_block(sums.brighter, i), kSixteen, records[i]);
     }
-    const int16_t* const four = sums.samples + i * kFour;
-    records[i].mean = (four[0] + four[1] + four[2] + four[3]) * kSixteenth;
-    records[i].deviation = sum_of_block(sums.deviations, i) * kSixteenth * kSixteenth;
-    records[i].bright = sum_of_block(sums.brighter, i) * 100 / kSamples;
   }
 }
 
 }  // namespace
 
 void measure_blocks(const GrayFrame& frame, int32_t size, int32_t y, quo_block_record* blocks) {
-  const auto measure = size == 16 ? measure_by_16<uint32_t> : size == 10 ? measure_by_25 : measure_by_16<uint16_t>;
+  const auto measure_neighbours = size == 16   ? measure_blocks_of_16_samples<uint32_t>
+                                  : size == 10 ? measure_blocks_of_25_samples
+                                               : measure_blocks_of_16_samples<uint16_t>;
   const int32_t across = frame.width / size;
   for (int32_t i = 0; i < across; i += int32_t{kBlocks}) {
     const size_t count = std::min(kBlocks, static_cast<size_t>(across - i));
-    measure(frame.row(y) + i * size, frame.width, count, blocks + i);
+    measure_neighbours(frame.row(y) + i * size, frame.width, count, blocks + i);
   }
 }
 

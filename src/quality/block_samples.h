@@ -9,8 +9,8 @@
 namespace quo {
 
 /** Measures the blocks of size x size pixels, 8, 10 or 16, whose first row is row y of the frame, as many as fit beside
- *  each other. The samples of a block are every pixel but those of value 255 in every second row and column, of blocks
- *  of 16 in every fourth. A block without samples has a mean of 255 and no deviation. Directions are not written. */
+ *  each other. Samples are the pixels of every second row and column, in blocks of 16 of every fourth, without those of
+ *  value 255. A block without samples has a mean of 255 and no deviation. Directions are not written. */
 void measure_blocks(const GrayFrame& frame, int32_t size, int32_t y, quo_block_record* blocks);
 
 }  // namespace quo

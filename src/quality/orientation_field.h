@@ -13,9 +13,9 @@ struct HalfFrame {
   int32_t height;
   int32_t radius;  // the window reaches this far from its centre on all sides
 
+  // A frame without columns has no rows to walk either, however many it claims.
   HalfFrame(const uint8_t* half, int32_t half_width, int32_t half_height, int32_t window_radius)
       : pixels(half), width(half_width), height(half_width > 0 ? half_height : 0), radius(window_radius) {
-    // A frame without columns has no rows to walk either, however many it claims.
     // A radius beyond the frame covers all of it, as the longer side does.
     const int32_t longer = width > height ? width : height;
     radius = radius < 0 ? 0 : radius > longer ? longer : radius;

@@ -56,7 +56,8 @@ class SectionDecoder {
   }
 
   // Runs are written in whole steps where the record has room for them: what is too much is overwritten by what
-  // follows, for a record is only handed out when it is full. Stops before the first run that is not short, if any.
+  // follows, for a record is only handed out when it is full. Leaves every run that cannot be written so, or not at
+  // all, to the caller.
   void expand_short_runs(uint32_t end) {
     if (length_ < kStep) return;
     const uint32_t last_step = std::min(end, length_ - kStep + 1);
@@ -67,8 +68,8 @@ class SectionDecoder {
       uint8_t* const run = payload_ + at;
       const uint64_t eight = coded[0] * quo::kEightTimes;
       for (uint32_t i = 0; i < kStep; i += 8) quo::store_eight(run + i, eight);
-      if (count - 1 < kStep) continue;  // most of them; a count of 0 is not
-      if (count - 1 >= kShortRun || length_ - at < kShortRun) break;
+      if (count != 0 && count <= kStep) continue;
+      if (count == 0 || count > kShortRun || length_ - at < kShortRun) break;
       for (uint32_t i = kStep; i < kShortRun; i += 8) quo::store_eight(run + i, eight);
     }
     coded_ = coded;

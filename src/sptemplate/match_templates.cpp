@@ -31,8 +31,10 @@ struct Overlap {
 };
 static_assert(100U * UINT16_MAX <= UINT32_MAX);
 
-// At most 255 positions: their counts fit the bytes that vectors of the profiles have.
-Overlap short_overlap(const uint8_t* __restrict a, const uint8_t* __restrict b, uint32_t length) {
+// Counts up to this fit in a byte, so that as many positions are counted at once as profile bytes fit in a vector.
+constexpr uint32_t kMostAtOnce = UINT8_MAX;
+
+Overlap overlap_at_once(const uint8_t* __restrict a, const uint8_t* __restrict b, uint32_t length) {
   uint8_t considered = 0, agreeing = 0;
   for (uint32_t i = 0; i < length; i++) {
     const bool dark_a = a[i] == quo::kDark, dark_b = b[i] == quo::kDark;
@@ -44,9 +46,8 @@ Overlap short_overlap(const uint8_t* __restrict a, const uint8_t* __restrict b, 
 
 Overlap overlap(const uint8_t* a, const uint8_t* b, uint32_t length) {
   Overlap sum;
-  while (sum.length < length) {
-    const uint32_t at = sum.length, left = length - at;
-    sum += short_overlap(a + at, b + at, std::min(left, uint32_t{UINT8_MAX}));
+  for (uint32_t at = 0; at < length; at += kMostAtOnce) {
+    sum += overlap_at_once(a + at, b + at, std::min(length - at, kMostAtOnce));
   }
   return sum;
 }

@@ -75,8 +75,14 @@ TEST(BlockOrientation, TakesAnyRadiusAndBlockCount) {
   }
   EXPECT_THAT(measured(image, 13, 2, 3).blocks, testing::Each(kBackground));
   EXPECT_THAT(measured(image, 3, 9, 3).blocks, testing::Each(kBackground));
+  quo_block_record block = {7, 7, 7, 7};
+  uint8_t area = 238;
+  for (const int32_t width : {0, 1}) {  // no columns to walk, so no rows either
+    EXPECT_EQ(BlockOrientation(nullptr, width, INT32_MAX, &block, 1, 1, 3, &area), QUO_OK);
+    EXPECT_EQ(block, kBackground);
+    EXPECT_EQ(area, 0);
+  }
   reset_hooks();
-  quo_block_record block = kBackground;
   EXPECT_EQ(BlockOrientation(nullptr, 1 << 16, 1 << 16, &block, 1, 1, 3, nullptr), QUO_NO_MEMORY);
   EXPECT_THAT(hooks().sizes, testing::IsEmpty());
 }

@@ -48,6 +48,14 @@ TEST(DecodeSpTemplates, ExpandsTheRunsOfEverySection) {
 TEST(DecodeSpTemplates, ExpandsLooseRunsWithinTheRecord) {
   EXPECT_EQ(decoded(template_of(6, {0, 2, 9, 4})).record, (Bytes{1, 0, 6, 0, 2, 9, 9, 9, 9}));
   EXPECT_EQ(decoded(template_of(7, {0, 0, 9, 2, 0, 1, 8, 1})).record, (Bytes{1, 0, 7, 0, 0, 9, 9, 0, 1, 8}));
+  for (const uint8_t run : {5, 30, 59}) {  // amid room for runs of any length
+    const auto left = static_cast<uint8_t>(60 - run);
+    Bytes expected{1, 0, 64, 0, 1};
+    append(expected, Bytes(run, 9));
+    append(expected, {0, left});
+    append(expected, Bytes(left, 8));
+    EXPECT_EQ(decoded(template_of(64, {0, 1, 9, run, 0, left, 8, left})).record, expected);
+  }
 }
 
 TEST(DecodeSpTemplates, RejectsWhatDoesNotFitTheRecord) {
@@ -65,6 +73,10 @@ TEST(DecodeSpTemplates, RejectsWhatDoesNotFitTheRecord) {
       {1, 0, 5, 0, 3, 5, 2, 5, 255},         //
       {1, 0, 5, 0, 3, 5, 0},                 // a count of 0
       {1, 0, 5, 0, 0, 5, 0},                 // also for an empty section
+      {1, 0, 40, 0, 38, 5, 3, 7, 0},         // and where there is room for many runs
+      {1, 0, 70, 0, 68, 5, 40, 7, 40},       // runs of middle length, longer than what remains
+      {1, 0, 70, 0, 68, 5, 9, 7, 60},        //
+      {1, 0, 70, 0, 20, 5, 20, 0, 47},       // a section longer than what remains, amid room for runs
   };
   for (const Bytes& bytes : rejected) {
     EXPECT_EQ(decoded(bytes).result, QUO_BAD_TEMPLATE) << testing::PrintToString(bytes);
