@@ -57,6 +57,9 @@ TEST(CreateBubbleImage, KeepsTheInsideOfBrightBlobs) {
 
   const Bubbles uniform = find(Image(30, 24, 137));  // no deviation, so every pixel reaches the mean
   EXPECT_EQ(uniform.count, 26U * 20);
+  Image darker(30, 24, 137);
+  darker.at(15, 12) = 136;  // the mean, rounded down
+  EXPECT_EQ(find(darker).count, 26U * 20);
 }
 
 // Blocks half black, half white, give a deviation of 127; the mean tells whether the frame counts as saturated.

@@ -102,6 +102,18 @@ TEST(DecodeSpTemplates, UndoesTheEncodingAndReadsNoFurther) {
   }
 }
 
+// Every length about those that are written in steps.
+TEST(DecodeSpTemplates, UndoesTheEncodingOfShortRecords) {
+  Random random(54);
+  for (size_t positions = 1; positions < 70; positions++) {
+    const Bytes record = record_of({random_profile(random, positions)});
+    uint8_t* coded = nullptr;
+    uint32_t size = 0;
+    ASSERT_EQ(EncodeSpTemplates(record.data(), &coded, &size), QUO_OK);
+    ASSERT_EQ(decoded(take(coded, size)).record, record);
+  }
+}
+
 // The longest reading there is: runs of one position through the largest record.
 TEST(DecodeSpTemplates, ReadsNoMoreThanItsBound) {
   Bytes coded = u16(1018);

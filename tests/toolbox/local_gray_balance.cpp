@@ -26,6 +26,7 @@ TEST(LocalGrayBalance, EqualsItsLiteralForm) {
   Random random(95);  // and across strips
   expect_balanced(generate(random, 2100, 7, Fill::kRidges), 31, 3);
   expect_balanced(generate(random, 1100, 7, Fill::kNoise), 3001, 3);
+  expect_balanced(generate(random, 8, 400, Fill::kNoise), 3, 701);  // columns whose sums leave 16 bits
 }
 
 // One pixel of 1600 differs by d, so the gain is 40,000 / d and results leave 16 bits; in the large image, 32 bits too.
