@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "frame/multiversion.h"
 #include "frame/scratch.h"
 #include "quoFPAlg.h"
 
@@ -19,8 +20,9 @@ struct Columns {
   uint8_t high[kStrip + 2];
 };
 
-void sort_threes(const uint8_t* __restrict a, const uint8_t* __restrict b, const uint8_t* __restrict c,
-                 Columns& __restrict columns, int32_t count) {
+[[gnu::always_inline]] inline void sort_threes(const uint8_t* __restrict a, const uint8_t* __restrict b,
+                                               const uint8_t* __restrict c, Columns& __restrict columns,
+                                               int32_t count) {
   for (int32_t i = 0; i < count; i++) {
     columns.low[i] = min3(a[i], b[i], c[i]);
     columns.middle[i] = median3(a[i], b[i], c[i]);
@@ -37,7 +39,8 @@ void sort_pairs(const uint8_t* __restrict a, const uint8_t* __restrict b, Column
 
 // The fifth smallest of nine is the median of the largest low, the median middle and the smallest high value: each of
 // the three has at least four values on either side that are settled by the sorted columns.
-void fifth_of_nine(const Columns& __restrict columns, uint8_t* __restrict output, int32_t count) {
+[[gnu::always_inline]] inline void fifth_of_nine(const Columns& __restrict columns, uint8_t* __restrict output,
+                                                 int32_t count) {
   const uint8_t* const low = columns.low;
   const uint8_t* const middle = columns.middle;
   const uint8_t* const high = columns.high;
@@ -59,11 +62,12 @@ void third_of_six(const Columns& __restrict columns, uint8_t* __restrict output,
 }
 
 // The third smallest of two columns of three: the lowest three are n of one and 3 - n of the other.
-uint8_t third_of_two_columns(const uint8_t* above, const uint8_t* middle, const uint8_t* below) {
-  Columns columns;
-  sort_threes(above, middle, below, columns, 2);
-  return std::min(std::min(columns.high[0], columns.high[1]),
-                  std::min(std::max(columns.middle[0], columns.low[1]), std::max(columns.low[0], columns.middle[1])));
+void third_of_two_columns(const Columns& __restrict a, const Columns& __restrict b, uint8_t* __restrict output,
+                          int32_t count) {
+  for (int32_t i = 0; i < count; i++) {
+    const uint8_t two_of_b = std::max(a.low[i], b.middle[i]), two_of_a = std::max(a.middle[i], b.low[i]);
+    output[i] = min3(std::min(a.high[i], b.high[i]), two_of_a, two_of_b);
+  }
 }
 
 // The second smallest of 2 x 2 pixels, in the same way.
@@ -72,18 +76,58 @@ uint8_t second_of_four(const uint8_t* upper, const uint8_t* lower) {
                   std::min(std::max(upper[0], lower[0]), std::max(upper[1], lower[1])));
 }
 
-void filter_inner_row(const uint8_t* middle, uint8_t* output, int32_t width) {
-  const uint8_t* const above = middle - width;
-  const uint8_t* const below = middle + width;
-  output[0] = third_of_two_columns(above, middle, below);
-  for (int32_t x = 0, count = 0; x < width - 2; x += count) {
-    Columns columns;
-    count = std::min(kStrip, width - 2 - x);
-    sort_threes(above + x, middle + x, below + x, columns, count + 2);
-    fifth_of_nine(columns, output + x + 1, count);
+// Filters a run of pixels that goes through rows without regard to where they begin, but for its two ends.
+QUO_MULTIVERSION void filter_run(const uint8_t* middle, uint8_t* output, ptrdiff_t width, ptrdiff_t pixels) {
+  Columns columns;
+  for (ptrdiff_t at = 0; at + 2 < pixels; at += kStrip) {
+    const auto count = static_cast<int32_t>(std::min<ptrdiff_t>(kStrip, pixels - 2 - at));
+    sort_threes(middle - width + at, middle + at, middle + width + at, columns, count + 2);
+    fifth_of_nine(columns, output + at + 1, count);
   }
-  const int32_t last = width - 2;
-  output[width - 1] = third_of_two_columns(above + last, middle + last, below + last);
+}
+
+// One column after the other.
+void take_columns(const uint8_t* left, const uint8_t* right, ptrdiff_t width, uint8_t* __restrict taken, int32_t rows) {
+  for (int32_t y = 0; y < rows; y++) {
+    taken[y] = left[y * width];
+    taken[rows + y] = right[y * width];
+  }
+}
+
+// Never inlined: a compiler that sees the three runs to be one, shifted, carries pixels from step to step and then finds
+// no vectors.
+[[gnu::noinline]] void sort_neighbours(const uint8_t* above, const uint8_t* middle, const uint8_t* below,
+                                       Columns& columns, int32_t count) {
+  sort_threes(above, middle, below, columns, count);
+}
+
+// The border columns of the inner rows, each from the two columns there, as one run that goes through both.
+void filter_border_columns(const uint8_t* left, const uint8_t* right, uint8_t* output, ptrdiff_t width,
+                           int32_t height) {
+  uint8_t taken[kStrip + 2], filtered[kStrip];
+  Columns border, inner;
+  for (int32_t y = 0, rows = 0; y < height - 2; y += rows) {
+    rows = std::min(kStrip / 2 - 1, height - 2 - y);
+    const ptrdiff_t row = y * width;
+    const int32_t count = 2 * rows + 2;
+    take_columns(left + row, right + row, width, taken, rows + 2);
+    sort_neighbours(taken, taken + 1, taken + 2, border, count);
+    take_columns(left + row + 1, right + row - 1, width, taken, rows + 2);
+    sort_neighbours(taken, taken + 1, taken + 2, inner, count);
+    third_of_two_columns(border, inner, filtered, count);
+    for (int32_t i = 0; i < rows; i++) {
+      uint8_t* const filtered_row = output + row + (i + 1) * width;
+      filtered_row[0] = filtered[i];
+      filtered_row[width - 1] = filtered[rows + 2 + i];
+    }
+  }
+}
+
+// Rows follow one another without gaps, so one run goes through all inner ones; the border columns, which it takes to
+// neighbour those of the next row, are then put right.
+void filter_inner_rows(const uint8_t* source, uint8_t* output, ptrdiff_t width, int32_t height) {
+  filter_run(source + width, output + width, width, width * (height - 2));
+  filter_border_columns(source, source + width - 1, output, width, height);
 }
 
 // The first or the last row, from the two rows there.
@@ -111,10 +155,7 @@ void filter(const uint8_t* source, uint8_t* output, int32_t width, int32_t heigh
     return;
   }
   filter_border_row(source, source + width, output, width);
-  for (int32_t y = 1; y < height - 1; y++) {
-    const ptrdiff_t row = static_cast<ptrdiff_t>(y) * width;
-    filter_inner_row(source + row, output + row, width);
-  }
+  filter_inner_rows(source, output, width, height);
   const ptrdiff_t last = static_cast<ptrdiff_t>(height - 1) * width;
   filter_border_row(source + last - width, source + last, output + last, width);
 }
