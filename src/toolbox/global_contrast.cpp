@@ -31,12 +31,21 @@ QUO_MULTIVERSION void add_segment(const uint8_t* pixels, int32_t count, uint8_t 
   total.count += number;
 }
 
+// Rows follow one another without gaps, so one run goes from the first inner pixel to the last; what it counts of the
+// border columns is taken off again.
 Total total_from(const GrayFrame& frame, uint8_t gray) {
   Total total;
-  for (int32_t y = 1; y < frame.height - 1; y++) {
-    const uint8_t* const row = frame.row(y);
-    for (int32_t x = 1; x < frame.width - 1; x += kSegment) {
-      add_segment(row + x, std::min(kSegment, frame.width - 1 - x), gray, total);
+  const uint8_t* const first = frame.row(1) + 1;
+  const ptrdiff_t pixels = ptrdiff_t{frame.width} * (frame.height - 2) - 2;
+  for (ptrdiff_t at = 0; at < pixels; at += kSegment) {
+    add_segment(first + at, static_cast<int32_t>(std::min<ptrdiff_t>(kSegment, pixels - at)), gray, total);
+  }
+  for (int32_t y = 2; y < frame.height - 1; y++) {
+    const uint8_t* const left = frame.row(y);
+    for (const uint8_t pixel : {left[-1], left[0]}) {
+      const bool taken = pixel >= gray && pixel != kWhite;
+      total.sum -= taken ? pixel : 0;
+      total.count -= taken ? 1 : 0;
     }
   }
   return total;

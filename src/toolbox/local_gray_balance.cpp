@@ -119,13 +119,15 @@ class Windows {
     return {std::max(position - half, 1) - 1, static_cast<ptrdiff_t>(last)};
   }
 
-  // Row 0 stands for none.
+  // Row 0 stands for none. The outermost columns move along, for whole vectors are quicker than the columns left after
+  // them; no window has the right one, and the left one gets its 0 back.
   void move(int32_t entering, int32_t leaving) {
-    for (int32_t x = 1, count = 0; x < frame_.width - 1; x += count) {
-      count = std::min(kStrip, frame_.width - 1 - x);
+    for (int32_t x = 0, count = 0; x < frame_.width; x += count) {
+      count = std::min(kStrip, frame_.width - x);
       slide(entering > 0 ? frame_.row(entering) + x : kNoRow, leaving > 0 ? frame_.row(leaving) + x : kNoRow,
             background_, columns_ + x, count);
     }
+    columns_[0] = 0;
   }
 
   const GrayFrame& frame_;
