@@ -1156,7 +1156,7 @@ QUO_API void AdaptiveThreshold(const uint8_t *source, uint8_t *output, int32_t w
  *  Pixels of 0 are not written: the caller prepares the output, for example as a copy of the source.
  *
  *  @param source         width x height gray image
- *  @param output         width x height bytes
+ *  @param output         width x height bytes, not overlapping the source
  *  @param width          pixels per row
  *  @param height         rows
  *  @param window_width   odd, an even width acts as the next smaller odd one and one below 1 as 1; sizes

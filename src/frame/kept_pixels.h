@@ -13,7 +13,7 @@ inline uint8_t all_set(int pixels_in_common) { return pixels_in_common == kWhite
 /** Sets pixels that pass, and counts them. */
 class KeptPixels {
  public:
-  static constexpr int32_t kMost = 1024;  // columns kept by a call
+  static constexpr int32_t kMost = 1024;  // columns that a call may look at
 
   /** Sets the outputs of the columns that `test` gives 255, of those that it gives 0 no bit changes. Columns left after
    *  whole blocks are looked at in a block that overlaps the last one, where setting once more changes nothing. */
@@ -34,6 +34,7 @@ class KeptPixels {
     sum_ += set & 1U;
   }
 
+  /** Of all pixels set so far. */
   uint32_t number() {
     add_up();
     return sum_;
@@ -41,7 +42,8 @@ class KeptPixels {
 
  private:
   static constexpr int32_t kBlock = 32;        // columns set together
-  static constexpr int32_t kMostBlocks = 255;  // of which bytes count every 32nd column
+  static constexpr int32_t kMostBlocks = 255;  // that a byte can count
+  static_assert((kMost + kBlock - 1) / kBlock <= kMostBlocks);
 
   /** Counts from the column `fresh` of the block on. */
   template <typename Test>
@@ -49,8 +51,9 @@ class KeptPixels {
     uint8_t set[kBlock];
     for (int32_t k = 0; k < kBlock; k++) set[k] = test(x + k);
     for (int32_t k = 0; k < kBlock; k++) output[x + k] |= set[k];
-    for (int32_t k = 0; k < kBlock; k++)
+    for (int32_t k = 0; k < kBlock; k++) {
       in_blocks_[k] = static_cast<uint8_t>(in_blocks_[k] + (k >= fresh ? set[k] & 1 : 0));
+    }
     blocks_++;
   }
 
@@ -62,8 +65,8 @@ class KeptPixels {
     blocks_ = 0;
   }
 
-  uint8_t in_blocks_[kBlock] = {};
-  int32_t blocks_ = 0;  // since the last adding up
+  uint8_t in_blocks_[kBlock] = {};  // pixels set in each column of the blocks since the last adding up
+  int32_t blocks_ = 0;              // since then
   uint32_t sum_ = 0;
 };
 

@@ -13,6 +13,7 @@ uint32_t FP_GetBlockValidArea(const uint8_t* frame, int32_t width, int32_t heigh
   if (!quarter.allocate(quo::pixel_count(half_width, half_height))) return QUO_NO_MEMORY;
 
   const uint8_t bg = quo::background_value(frame, width, height);
+  // Without pixels no offset is inside the frame.
   const bool empty = half_width < 1 || half_height < 1;
   const ptrdiff_t right = empty ? 0 : half_width;
   const ptrdiff_t below = empty ? 0 : ptrdiff_t{half_height} * width;

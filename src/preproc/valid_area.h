@@ -7,6 +7,7 @@
 
 namespace quo {
 
+/** What is known of the valid blocks of an area. */
 struct ValidBlocks {
   static constexpr int32_t kSide = 8;  // pixels
   static constexpr uint32_t kPixels = kSide * kSide;
@@ -18,11 +19,11 @@ struct ValidBlocks {
   int64_t left = 0;
   int64_t top = 0;
 
-  /** Gray of their pixels; 255 where there are none. */
+  /** Mean gray of their pixels; 255 where there are none. */
   uint8_t mean() const { return count > 0 ? static_cast<uint8_t>(sum / (uint64_t{count} * kPixels)) : kWhite; }
 };
 
-/** Those of an area of width x height pixels in a frame whose rows are `stride` pixels apart. */
+/** Finds those of an area of width x height pixels in a frame whose rows are `stride` pixels apart. */
 ValidBlocks find_valid_blocks(const uint8_t* area, int32_t stride, int32_t width, int32_t height, uint8_t bg);
 
 }  // namespace quo

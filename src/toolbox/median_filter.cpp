@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr int32_t kStrip = 1024;  // columns filtered at a time, so that their sorted values fit on the stack
+constexpr int32_t kStrip = 1024;  // pixels filtered at a time, so that their sorted columns fit on the stack
 
 uint8_t min3(uint8_t a, uint8_t b, uint8_t c) { return std::min(std::min(a, b), c); }
 uint8_t max3(uint8_t a, uint8_t b, uint8_t c) { return std::max(std::max(a, b), c); }
@@ -50,8 +50,8 @@ void sort_pairs(const uint8_t* __restrict a, const uint8_t* __restrict b, Column
   }
 }
 
-// The third smallest of six: the largest of three values that, sorted as pairs, can be the lowest three, which are all
-// the low ones or two low ones and a high one.
+// The third smallest of six, sorted as pairs: the least of what is the largest of three, for the three that can be the
+// lowest, which are all the low ones or two low ones and a high one.
 void third_of_six(const Columns& __restrict columns, uint8_t* __restrict output, int32_t count) {
   const uint8_t* const low = columns.low;
   const uint8_t* const high = columns.high;
@@ -94,20 +94,22 @@ void take_columns(const uint8_t* left, const uint8_t* right, ptrdiff_t width, ui
   }
 }
 
-// Never inlined: a compiler that sees the three runs to be one, shifted, carries pixels from step to step and then finds
-// no vectors.
+// Never inlined: a compiler that sees the three runs to be one, shifted, carries pixels from step to step and then
+// finds no vectors.
 [[gnu::noinline]] void sort_neighbours(const uint8_t* above, const uint8_t* middle, const uint8_t* below,
                                        Columns& columns, int32_t count) {
   sort_threes(above, middle, below, columns, count);
 }
 
-// The border columns of the inner rows, each from the two columns there, as one run that goes through both.
+// The border columns of the inner rows, each from the two columns there, as one run that goes through both: of its
+// results, the two in the middle belong to neither.
 void filter_border_columns(const uint8_t* left, const uint8_t* right, uint8_t* output, ptrdiff_t width,
                            int32_t height) {
+  constexpr int32_t kMostRows = kStrip / 2 - 1;
   uint8_t taken[kStrip + 2], filtered[kStrip];
   Columns border, inner;
   for (int32_t y = 0, rows = 0; y < height - 2; y += rows) {
-    rows = std::min(kStrip / 2 - 1, height - 2 - y);
+    rows = std::min(kMostRows, height - 2 - y);
     const ptrdiff_t row = y * width;
     const int32_t count = 2 * rows + 2;
     take_columns(left + row, right + row, width, taken, rows + 2);

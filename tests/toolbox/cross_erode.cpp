@@ -12,6 +12,14 @@ Image mask_of(int32_t width, int32_t height, Random& random) {
 
 }  // namespace
 
+TEST(MyCrossErode, CountsMoreThanABytesWorthOfEveryColumn) {
+  for (const auto& [width, height] : {std::pair{64, 300}, {9000, 2}}) {
+    uint32_t count = 0;
+    MyCrossErode(Image(width, height, 255).data(), nullptr, width, height, 0, &count);
+    EXPECT_EQ(count, static_cast<uint32_t>(width * height));
+  }
+}
+
 // Wide masks are counted in strips.
 TEST(MyCrossErode, EqualsItsLiteralForm) {
   for_each_frame(96, 19, {{2051, 3}}, [](const Image& image, Random& random, Guard guard) {
