@@ -14,8 +14,8 @@ struct GlobalContrast {
   double deviation;  // mean absolute deviation
 };
 
-/** Of a frame of at least 3 x 3 pixels: counts and mean as they are defined, and the deviation from exact integer sums,
- *  which differs from defined_deviation() by at most (count + 1024) * 2^-53 of it where it is 1 or more and there are at
+/** Of a frame of at least 3 x 3 pixels: counts and mean as they are defined, and the deviation from exact integer sums.
+ *  That differs from defined_deviation() by at most (count + 1024) * 2^-53 of it where it is 1 or more and there are at
  *  most 2^26 pixels.
  *  @return false without pixels, or when all have the same gray */
 bool measure_contrast(const GrayFrame& frame, GlobalContrast& contrast);
