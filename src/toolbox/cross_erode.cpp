@@ -36,7 +36,8 @@ void erode_edge(const Rows& rows, uint8_t* output, int32_t x, int32_t width, Kep
 
 // Without an output every segment goes to the same place and is forgotten.
 QUO_MULTIVERSION uint32_t erode(const uint8_t* mask, uint8_t* output, int32_t width, int32_t height, int32_t border) {
-  uint8_t forgotten[KeptPixels::kMost] = {};
+  uint8_t forgotten[KeptPixels::kMost];
+  if (output == nullptr) quo_memset(forgotten, 0, sizeof forgotten);
   KeptPixels kept;
   const int32_t first = std::max(border, 1), end = width - first;
   for (int32_t y = border; y < height - border; y++) {
