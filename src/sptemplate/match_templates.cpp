@@ -1,6 +1,9 @@
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 
+#include "frame/eight_bytes.h"
+#include "frame/multiversion.h"
 #include "quoFPAlg.h"
 #include "sptemplate/profile_record.h"
 
@@ -31,23 +34,67 @@ struct Overlap {
 };
 static_assert(100U * UINT16_MAX <= UINT32_MAX);
 
-// Counts up to this fit in a byte, so that as many positions are counted at once as profile bytes fit in a vector.
-constexpr uint32_t kMostAtOnce = UINT8_MAX;
+// Positions that are compared at once: one vector register or two.
+using Block = uint8_t __attribute__((vector_size(32)));
+using Eights = uint64_t __attribute__((vector_size(32)));
+constexpr uint32_t kBlock = sizeof(Block);
+constexpr uint32_t kMostAtOnce = 224;  // positions that a byte can count
+static_assert(kMostAtOnce <= UINT8_MAX && kMostAtOnce % kBlock == 0);
 
-Overlap overlap_at_once(const uint8_t* __restrict a, const uint8_t* __restrict b, uint32_t length) {
-  uint8_t considered = 0, agreeing = 0;
-  for (uint32_t i = 0; i < length; i++) {
-    const bool dark_a = a[i] == quo::kDark, dark_b = b[i] == quo::kDark;
-    considered = static_cast<uint8_t>(considered + (dark_a | dark_b));
-    agreeing = static_cast<uint8_t>(agreeing + (dark_a & dark_b));
+/** Counts dark positions in whole blocks, each place of a block in a byte of its own. */
+class BlockCounts {
+ public:
+  /** Looks at one block; places where `counted` is 0 do not count, where it is 255 they do. */
+  [[gnu::always_inline]] inline void add(const uint8_t* a, const uint8_t* b, const Block& counted) {
+    static_assert(quo::kDark == 0);
+    Block of_a, of_b;
+    __builtin_memcpy(&of_a, a, sizeof of_a);
+    __builtin_memcpy(&of_b, b, sizeof of_b);
+    considered_ -= counted & reinterpret_cast<Block>((of_a == 0) | (of_b == 0));
+    agreeing_ -= counted & reinterpret_cast<Block>((of_a | of_b) == 0);
   }
-  return {length, considered, agreeing};
+
+  [[gnu::always_inline]] inline uint32_t considered() const { return sum(considered_); }
+  [[gnu::always_inline]] inline uint32_t agreeing() const { return sum(agreeing_); }
+
+ private:
+  // The product has the sum of eight bytes, below 256, in its top byte.
+  [[gnu::always_inline]] static inline uint32_t sum(const Block& counts) {
+    const auto eights = reinterpret_cast<const Eights&>(counts);
+    return static_cast<uint32_t>((eights[0] + eights[1] + eights[2] + eights[3]) * quo::kEightTimes >> 56);
+  }
+
+  Block considered_{};
+  Block agreeing_{};
+};
+
+// The positions after whole blocks are looked at in a block that overlaps the last one, where they alone count.
+[[gnu::always_inline]] inline Overlap overlap_in_blocks(const uint8_t* a, const uint8_t* b, uint32_t length) {
+  constexpr Block kPlaces{0,  1,  2,  3,  4,  5,  6,  7,  8,  9,  10, 11, 12, 13, 14, 15,
+                          16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29, 30, 31};
+  const ptrdiff_t left = length % kBlock, whole = length - left;
+  BlockCounts counts;
+  for (ptrdiff_t i = 0; i < whole; i += kBlock) counts.add(a + i, b + i, ~Block{});
+  const auto first_left = static_cast<uint8_t>(kBlock - left);
+  counts.add(a + length - kBlock, b + length - kBlock, reinterpret_cast<Block>(kPlaces >= first_left));
+  return {length, counts.considered(), counts.agreeing()};
 }
 
-Overlap overlap(const uint8_t* a, const uint8_t* b, uint32_t length) {
+Overlap overlap_of_few(const uint8_t* a, const uint8_t* b, uint32_t length) {
+  Overlap few{length};
+  for (uint32_t i = 0; i < length; i++) {
+    const bool dark_a = a[i] == quo::kDark, dark_b = b[i] == quo::kDark;
+    few.considered += dark_a | dark_b;
+    few.agreeing += dark_a & dark_b;
+  }
+  return few;
+}
+
+[[gnu::always_inline]] inline Overlap overlap(const uint8_t* a, const uint8_t* b, uint32_t length) {
   Overlap sum;
-  for (uint32_t at = 0; at < length; at += kMostAtOnce) {
-    sum += overlap_at_once(a + at, b + at, std::min(length - at, kMostAtOnce));
+  for (uint32_t at = 0, count; at < length; at += count) {
+    count = std::min(length - at, kMostAtOnce);
+    sum += count < kBlock ? overlap_of_few(a + at, b + at, count) : overlap_in_blocks(a + at, b + at, count);
   }
   return sum;
 }
@@ -69,7 +116,7 @@ struct Comparison {
 };
 
 // False when the records do not fit together.
-bool compare(const uint8_t* first, const uint8_t* second, Comparison& comparison) {
+QUO_MULTIVERSION bool compare(const uint8_t* first, const uint8_t* second, Comparison& comparison) {
   if (first[0] != second[0] || quo::payload_length(first) != quo::payload_length(second)) return false;
   quo::SectionWalk a(first), b(second);
   while (!a.at_end()) {
@@ -95,11 +142,15 @@ float spread(const Comparison& comparison) {
   return quo_sqrt(static_cast<float>(squares) / static_cast<float>(count));
 }
 
-// A spread of scores between 0 and 100 stays below 60, so the factor is at most 3 and the sum below 200.
+// How many times a weak overall score counts. Scores between 0 and 100 spread less than 60: at most three times.
+uint32_t weight_of_weak(const Comparison& comparison) {
+  const double deviation = static_cast<double>(spread(comparison));
+  return deviation > kSpreadUnit ? static_cast<uint32_t>(deviation / kSpreadUnit) : 1;
+}
+
 uint32_t final_score(const Comparison& comparison) {
   uint32_t overall = comparison.total.score();
-  const double deviation = static_cast<double>(spread(comparison));
-  if (overall <= kWeakOverall && deviation > kSpreadUnit) overall *= static_cast<uint32_t>(deviation / kSpreadUnit);
+  if (overall <= kWeakOverall) overall *= weight_of_weak(comparison);  // below 200
   const auto best = static_cast<double>(comparison.best);
   const double score = std::fma(best, kBestWeight, overall * kOverallWeight);
   return std::min(static_cast<uint32_t>(score), kFullScore);
