@@ -9,50 +9,71 @@ namespace {
 
 using quo::KeptPixels;
 
-// A row of the mask and its neighbours. Outside the image the row itself stands in for them, which adds no condition.
-struct Rows {
-  const uint8_t* above;
-  const uint8_t* middle;
-  const uint8_t* below;
+struct Image {
+  const uint8_t* mask;
+  uint8_t* output;
+  int32_t width;
+  int32_t height;
 };
 
-// A pixel of the first or the last column, which stands in for the neighbour that does not exist.
-void erode_edge(const Rows& rows, uint8_t* output, int32_t x, int32_t width, KeptPixels& kept) {
-  const uint8_t left = rows.middle[std::max(x - 1, 0)], right = rows.middle[std::min(x + 1, width - 1)];
-  kept.keep_one(quo::all_set(rows.middle[x] & rows.above[x] & rows.below[x] & left & right), *output);
-}
+// Distances in memory to the neighbours of a pixel. Outside the image the pixel itself stands in for them, which adds no
+// condition.
+struct Neighbours {
+  ptrdiff_t above;
+  ptrdiff_t left;
+  ptrdiff_t right;
+  ptrdiff_t below;
 
-// A pixel stays when the bits that it has in common with its neighbours are 255.
-[[gnu::always_inline]] inline void erode_segment(const Rows& rows, uint8_t* output, int32_t x, int32_t count,
-                                                 KeptPixels& kept) {
-  const uint8_t* const above = rows.above + x;
-  const uint8_t* const middle = rows.middle + x;
-  const uint8_t* const below = rows.below + x;
-  const auto stays = [=](int32_t i) {
-    return quo::all_set(middle[i] & above[i] & below[i] & middle[i - 1] & middle[i + 1]);
-  };
-  kept.keep(stays, output, count);
-}
+  Neighbours(const Image& image, int32_t x, int32_t y)
+      : above(y > 0 ? -ptrdiff_t{image.width} : 0),
+        left(x > 0 ? -1 : 0),
+        right(x < image.width - 1 ? 1 : 0),
+        below(y < image.height - 1 ? ptrdiff_t{image.width} : 0) {}
+};
 
-// Without an output every segment goes to the same place and is forgotten.
-QUO_MULTIVERSION uint32_t erode(const uint8_t* mask, uint8_t* output, int32_t width, int32_t height, int32_t border) {
-  uint8_t forgotten[KeptPixels::kMost];
-  if (output == nullptr) quo_memset(forgotten, 0, sizeof forgotten);
+// Pixels that have the same neighbours as the first of them. One stays when the bits that it has in common with its
+// neighbours are 255.
+QUO_MULTIVERSION uint32_t erode(const Image& image, int32_t x, int32_t y, int32_t columns, int32_t rows) {
+  const ptrdiff_t first = static_cast<ptrdiff_t>(y) * image.width + x;
+  const Neighbours neighbours(image, x, y);
+  const uint8_t* const middle = image.mask + first;
+  const uint8_t *const above = middle + neighbours.above, *const below = middle + neighbours.below;
+  const uint8_t *const left = middle + neighbours.left, *const right = middle + neighbours.right;
+  const auto stays = [=](ptrdiff_t i) { return quo::all_set(middle[i] & above[i] & below[i] & left[i] & right[i]); };
   KeptPixels kept;
-  const int32_t first = std::max(border, 1), end = width - first;
-  for (int32_t y = border; y < height - border; y++) {
-    const ptrdiff_t row = static_cast<ptrdiff_t>(y) * width;
-    const uint8_t* const middle = mask + row;
-    const Rows rows{y > 0 ? middle - width : middle, middle, y < height - 1 ? middle + width : middle};
-    const auto eroded = [&](int32_t x) { return output != nullptr ? output + row + x : forgotten; };
-    if (border == 0) erode_edge(rows, eroded(0), 0, width, kept);
-    for (int32_t x = first, count = 0; x < end; x += count) {
-      count = std::min(KeptPixels::kMost, end - x);
-      erode_segment(rows, eroded(x), x, count, kept);
-    }
-    if (border == 0 && width > 1) erode_edge(rows, eroded(width - 1), width - 1, width, kept);
-  }
+  kept.keep(stays, image.output != nullptr ? image.output + first : nullptr, {columns, rows, image.width});
   return kept.number();
+}
+
+// The first and the last column of rows that have the same neighbours.
+uint32_t erode_edges(const Image& image, int32_t y, int32_t rows) {
+  const Neighbours neighbours(image, 0, y);
+  const ptrdiff_t last = image.width - 1, end = ptrdiff_t{y + rows} * image.width;
+  uint32_t kept = 0;
+  for (ptrdiff_t row = ptrdiff_t{y} * image.width; row < end; row += image.width) {
+    const auto stays = [&](const uint8_t* pixel, ptrdiff_t inward) {
+      return quo::all_set(*pixel & pixel[neighbours.above] & pixel[neighbours.below] & pixel[inward]);
+    };
+    const uint8_t left = stays(image.mask + row, neighbours.right);
+    const uint8_t right = stays(image.mask + row + last, -neighbours.right);
+    kept += (left & 1U) + (right & 1U);
+    if (image.output == nullptr) continue;
+    image.output[row] |= left;
+    image.output[row + last] |= right;
+  }
+  return last > 0 ? kept : kept / 2;  // one column is both the first and the last
+}
+
+// The pixels from the border on in both directions. The first and the last row have neighbours of their own.
+uint32_t erode(const Image& image, int32_t border) {
+  uint32_t kept = 0;
+  const int32_t first = std::max(border, 1), end = image.width - first;
+  for (int32_t y = border, rows = 0; y < image.height - border; y += rows) {
+    rows = y == 0 || y == image.height - 1 ? 1 : image.height - first - y;
+    if (first < end) kept += erode(image, first, y, end - first, rows);
+    if (border == 0) kept += erode_edges(image, y, rows);
+  }
+  return kept;
 }
 
 }  // namespace
@@ -60,6 +81,6 @@ QUO_MULTIVERSION uint32_t erode(const uint8_t* mask, uint8_t* output, int32_t wi
 void MyCrossErode(const uint8_t* mask, uint8_t* output, int32_t width, int32_t height, int32_t border,
                   uint32_t* count) {
   const bool empty = width < 1 || height < 1;
-  const uint32_t kept = empty ? 0 : erode(mask, output, width, height, std::max(border, 0));
+  const uint32_t kept = empty ? 0 : erode({mask, output, width, height}, std::max(border, 0));
   if (count != nullptr) *count = kept;
 }
