@@ -11,7 +11,8 @@ constexpr int32_t kBrightestThreshold = 253;  // above, no pixel is bright once 
 constexpr int32_t kFlank = 8;                 // lines from a valley's pixel to the ridges on both sides
 constexpr int32_t kEdge = 2;                  // pixels at each end of a line, marked together with the one beside them
 
-// A row or a column, with what a scan along it needs to know.
+// A row or a column, with what a scan along it needs to know. Scans take it by value: pixels may be written over what a
+// reference refers to, as far as the compiler knows, and so all of it would be loaded again for each pixel.
 struct Line {
   uint8_t* first;
   ptrdiff_t step;   // to the next pixel
@@ -42,7 +43,7 @@ struct Counter {
 };
 
 // Marks from the first pixel of a line on. Returns the position after the last one visited.
-int32_t scan_forward(const Line& line, Counter& counter) {
+int32_t scan_forward(Line line, Counter& counter) {
   if (line.length <= kEdge) return kEdge;
   int32_t i = kEdge;
   for (; i < line.length && !line.stops_at(i); i++) line.at(i) = kWhite;
@@ -55,7 +56,7 @@ int32_t scan_forward(const Line& line, Counter& counter) {
 }
 
 // Marks from the last pixel of a row back to `limit`, not included.
-void scan_row_backward(const Line& row, int32_t limit, Counter& counter) {
+void scan_row_backward(Line row, int32_t limit, Counter& counter) {
   const int32_t start = row.length - kEdge - 1;
   int32_t i = start;
   for (; i > limit && !row.stops_at(i); i--) row.at(i) = kWhite;
@@ -66,7 +67,7 @@ void scan_row_backward(const Line& row, int32_t limit, Counter& counter) {
 }
 
 // As for a row, but the last pair is marked and counted again with every pixel, and once more at the pixel that stops.
-void scan_column_backward(const Line& column, int32_t limit, Counter& counter) {
+void scan_column_backward(Line column, int32_t limit, Counter& counter) {
   const int32_t start = column.length - kEdge - 1;
   int32_t i = start;
   for (; i > limit && !column.stops_at(i); i--) {
