@@ -68,7 +68,9 @@ class Strip {
     for (int32_t i = 0; i < columns_; i++) values_[i] = taken_[i] = 0;
     for (uint8_t& settled : settled_) settled = quo::kFlat;
     for (const Extremes& found : extremes_) {
-      for (int32_t i = 0; i < kColumns; i++) found.lo[i] = found.end[i] = 0;
+      // As far as the whole vectors reach that the columns are joined in.
+      const int32_t reached = std::min(columns_ + kVector, kColumns);
+      for (int32_t i = 0; i < reached; i++) found.lo[i] = found.end[i] = 0;
     }
   }
 
@@ -164,14 +166,21 @@ class Strip {
     const uint8_t* const below = lower.bottom > upper.bottom ? inside_row(lower.bottom) : quo::kWhiteRow.pixels;
     const quo::SharedRows rows{above, inside_row(lower.top), below, frame_.width, upper.bottom - lower.top + 1};
     const int32_t inside_end = inside_ + inside_count_;
-    for (const Extremes& found : {extremes_[0], extremes_[1]}) {
-      for (int32_t i = 0; i < inside_; i++) found.lo[i] = 255;
-      for (int32_t i = 0; i < inside_; i++) found.end[i] = 0;
-      for (int32_t i = inside_end; i < columns_; i++) found.lo[i] = 255;
-      for (int32_t i = inside_end; i < columns_; i++) found.end[i] = 0;
-    }
+    if (inside_ > 0) clear_column_extremes(0, inside_);
+    if (inside_end < columns_) clear_column_extremes(inside_end, columns_);
     quo::find_column_extremes(rows, inside_count_, {lo_[0] + inside_, end_[0] + inside_},
                               {lo_[1] + inside_, end_[1] + inside_});
+  }
+
+  // To those of columns outside the image. Whole vectors around them take less time than these alone.
+  void clear_column_extremes(int32_t first, int32_t end) {
+    static_assert(kColumns % kVector == 0);
+    first = first / kVector * kVector;
+    end = (end + kVector - 1) / kVector * kVector;
+    for (const Extremes& found : {extremes_[0], extremes_[1]}) {
+      for (int32_t i = first; i < end; i++) found.lo[i] = 255;
+      for (int32_t i = first; i < end; i++) found.end[i] = 0;
+    }
   }
 
   void settle(int32_t y, const Extremes& windows) {
