@@ -72,8 +72,8 @@ class KeptPixels {
     }
   }
 
-  /** The columns left after whole blocks are in one that runs on into the next row. Only in the last row it overlaps the
-   *  block before it instead: a processor waits long for bytes of which some have just been written. */
+  /** The columns left after whole blocks are in one that runs on into the next row. Only in the last row it overlaps
+   *  the block before it instead: a processor waits long for bytes of which some have just been written. */
   template <typename Test>
   [[gnu::always_inline]] inline void keep_strip(const Test& test, ptrdiff_t x, uint8_t* output, const Area& area) {
     const ptrdiff_t left = area.columns % kBlock, whole = area.columns - left;

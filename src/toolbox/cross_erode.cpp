@@ -16,8 +16,8 @@ struct Image {
   int32_t height;
 };
 
-// Distances in memory to the neighbours of a pixel. Outside the image the pixel itself stands in for them, which adds no
-// condition.
+// Distances in memory to the neighbours of a pixel. Outside the image the pixel itself stands in for them, which adds
+// no condition.
 struct Neighbours {
   ptrdiff_t above;
   ptrdiff_t left;
