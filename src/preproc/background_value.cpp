@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "frame/eight_bytes.h"
+
 namespace {
 
 constexpr int32_t kPatch = 8;  // side of a corner patch, pixels
@@ -24,16 +26,19 @@ struct Patch {
   bool flat() const { return kPatchPixels * squares - sum * sum < kFlatVariance * kPatchPixels * kPatchPixels; }
 };
 
+// The pixels are brought together first: the sums then take whole vectors of them, in 16 bits, which hold the sum of a
+// patch.
+static_assert(kPatchPixels * 255 <= INT16_MAX);
 Patch measure_patch(const uint8_t* top_left, int32_t width) {
-  Patch patch;
-  for (ptrdiff_t y = 0; y < kPatch; y++) {
-    for (ptrdiff_t x = 0; x < kPatch; x++) {
-      const uint32_t pixel = top_left[y * width + x];
-      patch.sum += pixel;
-      patch.squares += pixel * pixel;
-    }
+  uint8_t pixels[kPatchPixels];
+  for (ptrdiff_t y = 0; y < kPatch; y++) quo::store_eight(pixels + y * kPatch, quo::load_eight(top_left + y * width));
+  int16_t sum = 0;
+  int32_t squares = 0;
+  for (const int16_t pixel : pixels) {
+    sum = static_cast<int16_t>(sum + pixel);
+    squares += pixel * pixel;
   }
-  return patch;
+  return {static_cast<uint32_t>(sum), static_cast<uint32_t>(squares)};
 }
 
 }  // namespace
