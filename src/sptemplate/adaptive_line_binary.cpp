@@ -8,39 +8,53 @@ namespace {
 
 constexpr int32_t kReach = 15;  // positions of the neighbourhood on either side
 constexpr int32_t kWindow = 2 * kReach + 1;
-constexpr uint32_t kBright = 255;
-constexpr uint32_t kFirstKept = 254;  // saturated pixels from here on stay as they are
+constexpr int32_t kBlock = kReach + 1;  // positions binarized together
+constexpr uint8_t kBright = 255;
+constexpr uint8_t kFirstKept = 254;  // saturated pixels from here on stay as they are
 
 // The local mean, sum / count truncated, is less than the integer p exactly when sum < count * p: no division. The sums
-// are differences of prefix sums modulo 2^32 and themselves at most 31 * 255.
-uint8_t binarized(uint32_t pixel, uint32_t sum, uint32_t count) {
-  const uint32_t binary = sum < count * pixel ? kBright : quo::kDark;
-  return static_cast<uint8_t>(pixel >= kFirstKept ? pixel : binary);
+// are differences of prefix sums modulo 2^32; 16 bits hold them, and vectors twice as many of those.
+static_assert(kWindow * 255 <= INT16_MAX);
+uint8_t binarized(uint8_t pixel, uint32_t sum, int32_t count) {
+  const auto scaled = static_cast<int16_t>(count * pixel);
+  const uint8_t binary = static_cast<int16_t>(sum) < scaled ? kBright : quo::kDark;
+  return pixel >= kFirstKept ? pixel : binary;
 }
 
-// Position i of `line` has the window from sums[i] to sums[i + kWindow].
+// A line too short for blocks.
+void binarize_short_line(uint8_t* __restrict line, const uint32_t* __restrict sums, int32_t n) {
+  for (int32_t i = 0; i < n; i++) {
+    const int32_t low = std::max(i - kReach, 0), high = std::min(i + kReach + 1, n);
+    line[i] = binarized(line[i], sums[high] - sums[low], high - low);
+  }
+}
+
+// Positions whose window is cut at the beginning of the line or at its end, and the first or last one with a whole
+// window, which makes them a block.
+void binarize_ends(uint8_t* __restrict line, const uint32_t* __restrict sums, int32_t n) {
+  for (int32_t i = 0; i < kBlock; i++) {
+    line[i] = binarized(line[i], sums[i + kReach + 1] - sums[0], i + kReach + 1);
+  }
+  uint8_t* const last = line + (n - kBlock);
+  const uint32_t* const begin = sums + (n - kBlock - kReach);
+  for (int32_t i = 0; i < kBlock; i++) {
+    last[i] = binarized(last[i], sums[n] - begin[i], kWindow - i);
+  }
+}
+
+// A multiple of kBlock positions with whole windows; position i of `line` has the one from sums[i] to sums[i + kWindow].
 void binarize_whole_windows(uint8_t* __restrict line, const uint32_t* __restrict sums, int32_t count) {
-  for (int32_t i = 0; i < count; i++) line[i] = binarized(line[i], sums[i + kWindow] - sums[i], kWindow);
+  const int32_t whole = count / kBlock * kBlock;
+  for (int32_t i = 0; i < whole; i++) line[i] = binarized(line[i], sums[i + kWindow] - sums[i], kWindow);
 }
 
-// Positions whose window is cut at the beginning of the line, at its end, or at both.
-void binarize_cut_windows(uint8_t* __restrict line, const uint32_t* __restrict sums, int32_t n) {
-  if (n < kWindow) {
-    for (int32_t i = 0; i < n; i++) {
-      const int32_t low = std::max(i - kReach, 0), high = std::min(i + kReach + 1, n);
-      line[i] = binarized(line[i], sums[high] - sums[low], static_cast<uint32_t>(high - low));
-    }
-    return;
-  }
-  const uint32_t* const begin = sums + kReach + 1;
-  for (int32_t i = 0; i < kReach; i++) {
-    line[i] = binarized(line[i], begin[i] - sums[0], static_cast<uint32_t>(i + kReach + 1));
-  }
-  uint8_t* const last = line + (n - kReach);
-  const uint32_t* const end = sums + (n - 2 * kReach);
-  for (int32_t i = 0; i < kReach; i++) {
-    last[i] = binarized(last[i], sums[n] - end[i], static_cast<uint32_t>(2 * kReach - i));
-  }
+// At least three blocks. Positions left after whole ones are taken in a block that overlaps the last one: black and
+// white stay what they are.
+void binarize_long_line(uint8_t* line, const uint32_t* sums, int32_t n) {
+  binarize_ends(line, sums, n);
+  binarize_whole_windows(line + kBlock, sums + (kBlock - kReach), n - 2 * kBlock);
+  const int32_t last = n - 2 * kBlock;
+  if (n % kBlock > 0) binarize_whole_windows(line + last, sums + (last - kReach), kBlock);
 }
 
 }  // namespace
@@ -53,7 +67,10 @@ uint32_t AdaptiveLineBinary(uint8_t* line, int32_t n) {
   GetGrayIntegralImage(line, integral.get(), n, 1, n);
   const uint32_t* const sums = integral.get() + entries;
 
-  binarize_cut_windows(line, sums, n);
-  if (n >= kWindow) binarize_whole_windows(line + kReach, sums, n - 2 * kReach);
+  if (n < 3 * kBlock) {
+    binarize_short_line(line, sums, n);
+  } else {
+    binarize_long_line(line, sums, n);
+  }
   return QUO_OK;
 }
