@@ -13,6 +13,21 @@ uint8_t min3(uint8_t a, uint8_t b, uint8_t c) { return std::min(std::min(a, b), 
 uint8_t max3(uint8_t a, uint8_t b, uint8_t c) { return std::max(std::max(a, b), c); }
 uint8_t median3(uint8_t a, uint8_t b, uint8_t c) { return std::max(std::min(a, b), std::min(std::max(a, b), c)); }
 
+// Does for every position what `at` does, in whole blocks; positions left after them in a block that overlaps the last
+// one. No kernel reads what it writes, so doing it twice changes nothing.
+template <typename Kernel>
+[[gnu::always_inline]] inline void in_blocks(int32_t count, const Kernel& at) {
+  constexpr int32_t kBlock = 32;
+  if (count < kBlock) {
+    for (int32_t i = 0; i < count; i++) at(i);
+    return;
+  }
+  const int32_t left = count % kBlock;
+  for (int32_t i = 0; i < count - left; i++) at(i);
+  if (left == 0) return;
+  for (int32_t i = count - kBlock; i < count; i++) at(i);
+}
+
 // Columns of two or three pixels, each sorted. Neighbouring pixels share them.
 struct Columns {
   uint8_t low[kStrip + 2];
@@ -23,18 +38,18 @@ struct Columns {
 [[gnu::always_inline]] inline void sort_threes(const uint8_t* __restrict a, const uint8_t* __restrict b,
                                                const uint8_t* __restrict c, Columns& __restrict columns,
                                                int32_t count) {
-  for (int32_t i = 0; i < count; i++) {
+  in_blocks(count, [&](int32_t i) {
     columns.low[i] = min3(a[i], b[i], c[i]);
     columns.middle[i] = median3(a[i], b[i], c[i]);
     columns.high[i] = max3(a[i], b[i], c[i]);
-  }
+  });
 }
 
 void sort_pairs(const uint8_t* __restrict a, const uint8_t* __restrict b, Columns& __restrict columns, int32_t count) {
-  for (int32_t i = 0; i < count; i++) {
+  in_blocks(count, [&](int32_t i) {
     columns.low[i] = std::min(a[i], b[i]);
     columns.high[i] = std::max(a[i], b[i]);
-  }
+  });
 }
 
 // The fifth smallest of nine is the median of the largest low, the median middle and the smallest high value: each of
@@ -44,10 +59,10 @@ void sort_pairs(const uint8_t* __restrict a, const uint8_t* __restrict b, Column
   const uint8_t* const low = columns.low;
   const uint8_t* const middle = columns.middle;
   const uint8_t* const high = columns.high;
-  for (int32_t i = 0; i < count; i++) {
+  in_blocks(count, [&](int32_t i) {
     output[i] = median3(max3(low[i], low[i + 1], low[i + 2]), median3(middle[i], middle[i + 1], middle[i + 2]),
                         min3(high[i], high[i + 1], high[i + 2]));
-  }
+  });
 }
 
 // The third smallest of six, sorted as pairs: the least of what is the largest of three, for the three that can be the
@@ -55,19 +70,20 @@ void sort_pairs(const uint8_t* __restrict a, const uint8_t* __restrict b, Column
 void third_of_six(const Columns& __restrict columns, uint8_t* __restrict output, int32_t count) {
   const uint8_t* const low = columns.low;
   const uint8_t* const high = columns.high;
-  for (int32_t i = 0; i < count; i++) {
+  in_blocks(count, [&](int32_t i) {
     output[i] = std::min(max3(low[i], low[i + 1], low[i + 2]),
                          std::max(median3(low[i], low[i + 1], low[i + 2]), min3(high[i], high[i + 1], high[i + 2])));
-  }
+  });
 }
 
 // The third smallest of two columns of three: the lowest three are n of one and 3 - n of the other.
-void third_of_two_columns(const Columns& __restrict a, const Columns& __restrict b, uint8_t* __restrict output,
-                          int32_t count) {
-  for (int32_t i = 0; i < count; i++) {
-    const uint8_t two_of_b = std::max(a.low[i], b.middle[i]), two_of_a = std::max(a.middle[i], b.low[i]);
-    output[i] = min3(std::min(a.high[i], b.high[i]), two_of_a, two_of_b);
-  }
+void third_of_two_columns(const Columns& __restrict columns, uint8_t* __restrict output, int32_t count) {
+  const uint8_t* const low = columns.low;
+  const uint8_t* const middle = columns.middle;
+  const uint8_t* const high = columns.high;
+  in_blocks(count, [&](int32_t i) {
+    output[i] = min3(std::min(high[i], high[i + 1]), std::max(low[i], middle[i + 1]), std::max(middle[i], low[i + 1]));
+  });
 }
 
 // The second smallest of 2 x 2 pixels, in the same way.
@@ -86,11 +102,11 @@ QUO_MULTIVERSION void filter_run(const uint8_t* middle, uint8_t* output, ptrdiff
   }
 }
 
-// One column after the other.
-void take_columns(const uint8_t* left, const uint8_t* right, ptrdiff_t width, uint8_t* __restrict taken, int32_t rows) {
+// Two columns, row after row, then two others; a pair moves in one piece.
+void take_pairs(const uint8_t* left, const uint8_t* right, ptrdiff_t width, uint8_t* __restrict taken, int32_t rows) {
   for (int32_t y = 0; y < rows; y++) {
-    taken[y] = left[y * width];
-    taken[rows + y] = right[y * width];
+    __builtin_memcpy(taken + 2 * y, left + y * width, 2);
+    __builtin_memcpy(taken + 2 * (rows + y), right + y * width, 2);
   }
 }
 
@@ -101,26 +117,24 @@ void take_columns(const uint8_t* left, const uint8_t* right, ptrdiff_t width, ui
   sort_threes(above, middle, below, columns, count);
 }
 
-// The border columns of the inner rows, each from the two columns there, as one run that goes through both: of its
-// results, the two in the middle belong to neither.
+// The border columns of the inner rows, each from the two columns there, as one run that goes through both pairs: of
+// its results, every second one belongs to no pixel, and so do those from one pair to the other.
 void filter_border_columns(const uint8_t* left, const uint8_t* right, uint8_t* output, ptrdiff_t width,
                            int32_t height) {
-  constexpr int32_t kMostRows = kStrip / 2 - 1;
-  uint8_t taken[kStrip + 2], filtered[kStrip];
-  Columns border, inner;
+  constexpr int32_t kMostRows = kStrip / 4 - 2;
+  uint8_t taken[kStrip], filtered[kStrip];
+  Columns columns;
   for (int32_t y = 0, rows = 0; y < height - 2; y += rows) {
     rows = std::min(kMostRows, height - 2 - y);
     const ptrdiff_t row = y * width;
-    const int32_t count = 2 * rows + 2;
-    take_columns(left + row, right + row, width, taken, rows + 2);
-    sort_neighbours(taken, taken + 1, taken + 2, border, count);
-    take_columns(left + row + 1, right + row - 1, width, taken, rows + 2);
-    sort_neighbours(taken, taken + 1, taken + 2, inner, count);
-    third_of_two_columns(border, inner, filtered, count);
+    const int32_t count = 4 * rows + 4;
+    take_pairs(left + row, right + row, width, taken, rows + 2);
+    sort_neighbours(taken, taken + 2, taken + 4, columns, count);
+    third_of_two_columns(columns, filtered, count - 1);
     for (int32_t i = 0; i < rows; i++) {
       uint8_t* const filtered_row = output + row + (i + 1) * width;
-      filtered_row[0] = filtered[i];
-      filtered_row[width - 1] = filtered[rows + 2 + i];
+      filtered_row[0] = filtered[2 * i];
+      filtered_row[width - 1] = filtered[2 * (rows + 2 + i)];
     }
   }
 }
@@ -129,7 +143,7 @@ void filter_border_columns(const uint8_t* left, const uint8_t* right, uint8_t* o
 // neighbour those of the next row, are then put right.
 void filter_inner_rows(const uint8_t* source, uint8_t* output, ptrdiff_t width, int32_t height) {
   filter_run(source + width, output + width, width, width * (height - 2));
-  filter_border_columns(source, source + width - 1, output, width, height);
+  filter_border_columns(source, source + width - 2, output, width, height);
 }
 
 // The first or the last row, from the two rows there.
