@@ -14,6 +14,17 @@ constexpr int32_t kReach = 4;          // neighbours of a column on either side
 constexpr int32_t kNeighboursShift = 3;
 static_assert(2 * kReach == 1 << kNeighboursShift);
 
+// sums / counts truncated; a column without any counts as a white pixel. No mean is above kWhite, so the quotient in
+// double precision is never rounded up to the next integer, from which it is at least 1 / count away.
+void divide(const uint32_t* __restrict sums, const uint32_t* __restrict counts, uint8_t* __restrict means,
+            int32_t columns) {
+  for (int32_t x = 0; x < columns; x++) {
+    const uint32_t none = counts[x] == 0 ? 1 : 0;
+    const double mean = static_cast<double>(sums[x] + none * quo::kWhite) / static_cast<double>(counts[x] + none);
+    means[x] = static_cast<uint8_t>(static_cast<int32_t>(mean));  // in two steps, which vectors know
+  }
+}
+
 // Means of the finger pixels of some columns, kWhite for a column without one. The sums are modulo 2^32.
 void take_strip_means(const uint8_t* image, int32_t width, int32_t columns, int32_t height, uint32_t* sums,
                       uint8_t* partial_counts, uint8_t* means) {
@@ -30,9 +41,7 @@ void take_strip_means(const uint8_t* image, int32_t width, int32_t columns, int3
     }
     y += rows;
   }
-  for (int32_t x = 0; x < columns; x++) {
-    means[x] = counts[x] != 0 ? static_cast<uint8_t>(sums[x] / counts[x]) : quo::kWhite;
-  }
+  divide(sums, counts, means, columns);
 }
 
 void take_means(const uint8_t* image, int32_t width, int32_t height, uint32_t* sums, uint8_t* counts, uint8_t* means) {
