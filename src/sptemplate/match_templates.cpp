@@ -72,9 +72,9 @@ class BlockCounts {
 [[gnu::always_inline]] inline Overlap overlap_in_blocks(const uint8_t* a, const uint8_t* b, uint32_t length) {
   constexpr Block kPlaces{0,  1,  2,  3,  4,  5,  6,  7,  8,  9,  10, 11, 12, 13, 14, 15,
                           16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29, 30, 31};
-  const ptrdiff_t left = length % kBlock, whole = length - left;
+  const uint32_t left = length % kBlock, whole = length - left;
   BlockCounts counts;
-  for (ptrdiff_t i = 0; i < whole; i += kBlock) counts.add(a + i, b + i, ~Block{});
+  for (uint32_t i = 0; i < whole; i += kBlock) counts.add(a + i, b + i, ~Block{});
   const auto first_left = static_cast<uint8_t>(kBlock - left);
   counts.add(a + length - kBlock, b + length - kBlock, reinterpret_cast<Block>(kPlaces >= first_left));
   return {length, counts.considered(), counts.agreeing()};
