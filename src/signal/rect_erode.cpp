@@ -27,11 +27,11 @@ QUO_MULTIVERSION uint32_t erode(const uint8_t* mask, uint8_t* output, const quo:
 
 void MyRectErode(const uint8_t* mask, uint8_t* output, int32_t width, int32_t height, int32_t border, uint32_t* count) {
   border = std::max(border, 1);
-  const quo::Area area{ptrdiff_t{width} - 2 * ptrdiff_t{border}, ptrdiff_t{height} - 2 * ptrdiff_t{border}, width};
+  const int32_t right = std::max(width, 0) - border, bottom = std::max(height, 0) - border;  // where the area ends
   uint32_t kept = 0;
-  if (area.columns > 0 && area.rows > 0) {
+  if (border < right && border < bottom) {
     const ptrdiff_t first = ptrdiff_t{border} * width + border;
-    kept = erode(mask + first, output + first, area);
+    kept = erode(mask + first, output + first, {right - border, bottom - border, width});
   }
   if (count != nullptr) *count = kept;
 }
