@@ -1,9 +1,11 @@
 #include "defect/bad_lines.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 
 #include "frame/gray.h"
+#include "frame/multiversion.h"
 
 using quo::BadLines;
 using quo::Scratch;
@@ -22,40 +24,132 @@ constexpr int32_t kLastMargin = 3;
 // A line's sum is exact for 16,843,009 pixels; beyond, sums wrap.
 static_assert(UINT32_MAX / 255 == 16843009);
 
-constexpr ptrdiff_t kRowGroup = 8;    // rows added to the column sums at once, in 16 bits
-constexpr ptrdiff_t kRowBlock = 256;  // pixels of a row summed in 16 bits
-static_assert(kRowGroup * 255 <= UINT16_MAX && kRowBlock * 255 <= UINT16_MAX);
+// Pairs of neighbouring pixels, each pair one number: left pixels in the low bytes, right ones in the high bytes. They
+// are parted by a mask and a shift, which takes less than widening the pixels in their order.
+using Pairs = uint16_t __attribute__((vector_size(32)));
+using Quads = uint64_t __attribute__((vector_size(32)));
+constexpr ptrdiff_t kBlock = sizeof(Pairs);  // pixels of a row that are added at once
+constexpr ptrdiff_t kRowGroup = 4;           // rows that are
+constexpr ptrdiff_t kTile = 256;             // pixels of a row summed in 16 bits
+constexpr ptrdiff_t kBand = 256;             // rows whose columns are summed in 16 bits
+constexpr ptrdiff_t kStrip = 2048;           // columns whose 16-bit sums lie on the stack
+static_assert(kTile * 255 <= UINT16_MAX && kBand * 255 <= UINT16_MAX);
+static_assert(kTile % kBlock == 0 && kStrip % kTile == 0);
 
-uint16_t sum_block(const uint8_t* __restrict pixels, ptrdiff_t count) {
-  uint16_t sum = 0;
-  for (ptrdiff_t x = 0; x < count; x++) sum = static_cast<uint16_t>(sum + pixels[x]);
-  return sum;
+/** The sums of the columns of a block: of those of left pixels and of those of right ones. */
+struct BlockSums {
+  Pairs left;
+  Pairs right;
+
+  [[gnu::always_inline]] inline void add_to(uint32_t* __restrict column_sums) const {
+    for (ptrdiff_t i = 0; i < kBlock / 2; i++) {
+      column_sums[2 * i] += left[i];
+      column_sums[2 * i + 1] += right[i];
+    }
+  }
+};
+
+// Adds up the numbers of each row, below 2^16 in all: those at the same place of its quads, then those of one quad.
+[[gnu::always_inline]] inline void add_totals(const Pairs (&of_rows)[kRowGroup], ptrdiff_t rows, uint32_t* row_sums) {
+  const auto a = reinterpret_cast<Quads>(of_rows[0]), b = reinterpret_cast<Quads>(of_rows[1]);
+  const auto c = reinterpret_cast<Quads>(of_rows[2]), d = reinterpret_cast<Quads>(of_rows[3]);
+  const Quads ab = __builtin_shufflevector(a, b, 0, 4, 2, 6) + __builtin_shufflevector(a, b, 1, 5, 3, 7);
+  const Quads cd = __builtin_shufflevector(c, d, 0, 4, 2, 6) + __builtin_shufflevector(c, d, 1, 5, 3, 7);
+  Quads sums = __builtin_shufflevector(ab, cd, 0, 1, 4, 5) + __builtin_shufflevector(ab, cd, 2, 3, 6, 7);
+  sums += sums << 16;
+  sums += sums << 32;
+  sums >>= 48;
+  for (ptrdiff_t y = 0; y < rows; y++) row_sums[y] += static_cast<uint32_t>(sums[y]);
 }
 
-uint32_t sum_row(const uint8_t* row, ptrdiff_t width) {
-  uint32_t sum = 0;
-  for (ptrdiff_t x = 0; x < width; x += kRowBlock) sum += sum_block(row + x, std::min(kRowBlock, width - x));
-  return sum;
+// Adds `kRows` rows of at most a tile, in whole blocks; of their pixels those count whose bits are set in `counted`.
+template <ptrdiff_t kRows>
+[[gnu::always_inline]] inline void add_rows(const uint8_t* pixels, ptrdiff_t width, ptrdiff_t count,
+                                            const Pairs& counted, BlockSums* blocks, uint32_t* row_sums) {
+  static_assert(kRows <= kRowGroup);
+  Pairs of_rows[kRowGroup]{};
+  for (ptrdiff_t x = 0; x < count; x += kBlock, blocks++) {
+    BlockSums sums = *blocks;
+    for (ptrdiff_t y = 0; y < kRows; y++) {
+      Pairs pairs;
+      __builtin_memcpy(&pairs, pixels + y * width + x, sizeof pairs);
+      pairs &= counted;
+      sums.left += pairs & 255;
+      sums.right += pairs >> 8;
+      of_rows[y] += (pairs & 255) + (pairs >> 8);
+    }
+    *blocks = sums;
+  }
+  add_totals(of_rows, kRows, row_sums);
 }
 
-void add_row(const uint8_t* __restrict row, uint32_t* __restrict column_sums, ptrdiff_t width) {
-  for (ptrdiff_t x = 0; x < width; x++) column_sums[x] += row[x];
+// Read from n on, the bits of the last n pixels of a block are set.
+constexpr std::array<uint8_t, 2 * kBlock> kMarks = [] {
+  std::array<uint8_t, 2 * kBlock> marks{};
+  for (size_t k = kBlock; k < marks.size(); k++) marks[k] = 255;
+  return marks;
+}();
+
+/** Rows of a band in a strip of columns, of a frame at least a block wide. */
+struct Band {
+  const uint8_t* pixels;
+  ptrdiff_t frame_width;
+  ptrdiff_t columns;
+  ptrdiff_t rows;
+
+  // Columns after whole blocks are looked at in a block that overlaps the last one, where they alone count.
+  template <ptrdiff_t kRows>
+  [[gnu::always_inline]] inline void add_group(ptrdiff_t y, BlockSums* blocks, uint32_t* row_sums) const {
+    const uint8_t* const group = pixels + y * frame_width;
+    const ptrdiff_t left = columns % kBlock, whole = columns - left;
+    for (ptrdiff_t x = 0; x < whole; x += kTile) {
+      add_rows<kRows>(group + x, frame_width, std::min(kTile, whole - x), ~Pairs{}, blocks + x / kBlock, row_sums + y);
+    }
+    if (left == 0) return;
+    Pairs last;
+    __builtin_memcpy(&last, kMarks.data() + left, sizeof last);
+    add_rows<kRows>(group + columns - kBlock, frame_width, kBlock, last, blocks + whole / kBlock, row_sums + y);
+  }
+
+  [[gnu::always_inline]] inline void add_to(uint32_t* row_sums, uint32_t* column_sums) const {
+    BlockSums blocks[kStrip / kBlock];
+    const ptrdiff_t whole = columns / kBlock, count = whole + (columns % kBlock != 0);
+    for (ptrdiff_t i = 0; i < count; i++) blocks[i] = BlockSums{};
+    ptrdiff_t y = 0;
+    for (; y + kRowGroup <= rows; y += kRowGroup) add_group<kRowGroup>(y, blocks, row_sums);
+    for (; y < rows; y++) add_group<1>(y, blocks, row_sums);
+    for (ptrdiff_t i = 0; i < whole; i++) blocks[i].add_to(column_sums + i * kBlock);
+    if (count > whole) blocks[whole].add_to(column_sums + columns - kBlock);
+  }
+};
+
+QUO_MULTIVERSION void sum_in_blocks(const uint8_t* image, ptrdiff_t width, ptrdiff_t height, uint32_t* row_sums,
+                                    uint32_t* column_sums) {
+  for (ptrdiff_t x = 0; x < width; x += kStrip) {
+    for (ptrdiff_t y = 0; y < height; y += kBand) {
+      const Band band{image + y * width + x, width, std::min(kStrip, width - x), std::min(kBand, height - y)};
+      band.add_to(row_sums + y, column_sums + x);
+    }
+  }
 }
 
-void add_row_group(const uint8_t* __restrict rows, uint32_t* __restrict column_sums, ptrdiff_t width) {
-  for (ptrdiff_t x = 0; x < width; x++) {
-    const uint8_t* const pixel = rows + x;
-    column_sums[x] += static_cast<uint16_t>(pixel[0] + pixel[width] + pixel[2 * width] + pixel[3 * width] +
-                                            pixel[4 * width] + pixel[5 * width] + pixel[6 * width] + pixel[7 * width]);
+void sum_pixels(const uint8_t* image, ptrdiff_t width, ptrdiff_t height, uint32_t* row_sums, uint32_t* column_sums) {
+  for (ptrdiff_t y = 0; y < height; y++) {
+    for (ptrdiff_t x = 0; x < width; x++) {
+      row_sums[y] += image[y * width + x];
+      column_sums[x] += image[y * width + x];
+    }
   }
 }
 
 void sum_lines(const uint8_t* image, ptrdiff_t width, ptrdiff_t height, uint32_t* row_sums, uint32_t* column_sums) {
   for (ptrdiff_t x = 0; x < width; x++) column_sums[x] = 0;
-  for (ptrdiff_t y = 0; y < height; y++) row_sums[y] = sum_row(image + y * width, width);
-  ptrdiff_t y = 0;
-  for (; y + kRowGroup <= height; y += kRowGroup) add_row_group(image + y * width, column_sums, width);
-  for (; y < height; y++) add_row(image + y * width, column_sums, width);
+  for (ptrdiff_t y = 0; y < height; y++) row_sums[y] = 0;
+  if (width < kBlock) {
+    sum_pixels(image, width, height, row_sums, column_sums);
+  } else {
+    sum_in_blocks(image, width, height, row_sums, column_sums);
+  }
 }
 
 // Sum below which a line of `length` pixels is dark.
@@ -79,8 +173,18 @@ Span dark_span(const uint32_t* sums, int32_t lines, uint32_t dark) {
   return {static_cast<uint8_t>(first), static_cast<uint8_t>(last)};
 }
 
+// Whether the sum of a line inside the span differs by at least `least_jump` from that of the line before.
+bool has_jump(const uint32_t* sums, Span span, uint64_t least_jump) {
+  if (least_jump > UINT32_MAX) return false;
+  const auto least = static_cast<uint32_t>(least_jump);
+  uint32_t jumps = 0;
+  for (int32_t i = span.first + 1; i < span.last; i++) jumps |= quo::abs_diff(sums[i], sums[i - 1]) >= least ? 1U : 0U;
+  return jumps != 0;
+}
+
 // Marks the bands between jumps inside the span: each jump starts or ends one. Returns the number of marked lines.
 uint32_t mark_bands(const uint32_t* sums, Span span, uint64_t least_jump, uint8_t* marks) {
+  if (!has_jump(sums, span, least_jump)) return 0;
   uint32_t marked = 0;
   bool in_band = false;
   for (int32_t i = span.first + 1; i < span.last; i++) {

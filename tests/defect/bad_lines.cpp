@@ -49,7 +49,7 @@ TEST(CheckBadLine, EqualsItsDefinition) {
     ASSERT_EQ(pixels, (PixelsOnLines{columns.pixels, rows.pixels}));
   };
   for (uint64_t seed = 0; seed < 12; seed++) {
-    for_each_frame(seed, 7, {{160, 160}, {258, 33}, {259, 300}, {40, 520}, {513, 70}}, check);
+    for_each_frame(seed, 7, {{160, 160}, {258, 33}, {259, 300}, {40, 520}, {513, 70}, {2050, 9}, {2081, 12}}, check);
   }
 }
 
