@@ -1,4 +1,4 @@
-// Eight bytes looked at as one number.
+// Bytes looked at as one number.
 #pragma once
 
 #include <bit>
@@ -15,6 +15,13 @@ inline uint64_t load_eight(const uint8_t* bytes) {
   uint64_t eight;
   __builtin_memcpy(&eight, bytes, sizeof eight);
   return eight;
+}
+
+/** Two bytes, the first of them in the low one. */
+inline uint16_t load_two(const uint8_t* bytes) {
+  uint16_t two;
+  __builtin_memcpy(&two, bytes, sizeof two);
+  return two;
 }
 
 inline void store_eight(uint8_t* bytes, uint64_t eight) { __builtin_memcpy(bytes, &eight, sizeof eight); }
