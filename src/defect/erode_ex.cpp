@@ -1,58 +1,45 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "frame/gray.h"
+#include "frame/kept_pixels.h"
+#include "frame/multiversion.h"
 #include "frame/scratch.h"
 #include "quoFPAlg.h"
 
 namespace {
 
-constexpr uint8_t kMark = 255;
-constexpr int32_t kBlock = 240;  // pixels counted at once, in 8 bits
-static_assert(kBlock <= UINT8_MAX);
+// Rows that are inspected together have about this many pixels: no more are looked at in vain after the allowance.
+constexpr int32_t kBandPixels = 4096;
 
 // Values, not references to pixels: Clang would choose between addresses and not vectorise.
 inline uint8_t darker(uint8_t a, uint8_t b) { return a < b ? a : b; }
 inline uint8_t lighter(uint8_t a, uint8_t b) { return a > b ? a : b; }
 
-// The rows of a run of pixels and its neighbours. Left and right are pointers of their own, in functions of their own:
-// otherwise Clang carries pixels from one step to the next, and does not vectorise.
-struct Run {
-  const uint8_t* above;
-  const uint8_t* left;
-  const uint8_t* middle;
-  const uint8_t* right;
-  const uint8_t* below;
-  ptrdiff_t pixels;
-
-  // A pixel is bad when it and one of its neighbours are below the threshold: when the lighter of the pixel and its
-  // darkest neighbour is.
-  bool is_bad(ptrdiff_t x, uint8_t threshold) const {
-    const uint8_t darkest = darker(darker(above[x], below[x]), darker(left[x], right[x]));
-    return lighter(middle[x], darkest) < threshold;
-  }
-};
-
-[[gnu::noinline]] uint8_t count_bad(const Run& run, uint8_t threshold) {
-  uint8_t count = 0;
-  for (ptrdiff_t x = 0; x < run.pixels; x++) count = static_cast<uint8_t>(count + run.is_bad(x, threshold));
-  return count;
+// Marks the bad pixels of an area all of whose pixels have four neighbours. A pixel is bad when it and one of its
+// neighbours are below the threshold: when the lighter of the pixel and its darkest neighbour is.
+QUO_MULTIVERSION uint32_t mark_inside(const uint8_t* middle, uint8_t threshold, uint8_t* marks, const quo::Area& area) {
+  const uint8_t *const above = middle - area.width, *const below = middle + area.width;
+  const uint8_t *const left = middle - 1, *const right = middle + 1;
+  const auto is_bad = [=](ptrdiff_t i) {
+    const uint8_t darkest = darker(darker(above[i], below[i]), darker(left[i], right[i]));
+    return lighter(middle[i], darkest) < threshold ? quo::kWhite : uint8_t{0};
+  };
+  quo::KeptPixels bad;
+  bad.keep(is_bad, marks, area);
+  return bad.number();
 }
 
-[[gnu::noinline]] void mark_bad(const Run& run, uint8_t threshold, uint8_t* __restrict marks) {
-  for (ptrdiff_t x = 0; x < run.pixels; x++) marks[x] = run.is_bad(x, threshold) ? kMark : uint8_t{0};
-}
-
-// Counts and marks in reading order until the count exceeds the allowance; each function returns false then.
+// Counts and marks in reading order until the count exceeds the allowance.
 struct Inspection {
   const uint8_t* image;
   int32_t width;
   int32_t height;
+  int32_t border;
   uint8_t threshold;
   int32_t allowance;
   uint8_t* marks;      // null when none are wanted
   uint32_t count = 0;  // at most the number of pixels
-
-  bool fails_with(uint32_t bad_pixels) const { return static_cast<int64_t>(bad_pixels) > allowance; }
 
   ptrdiff_t index(int32_t x, int32_t y) const { return static_cast<ptrdiff_t>(y) * width + x; }
 
@@ -65,37 +52,50 @@ struct Inspection {
     return is_dark(x, y) && (is_dark(x, y - 1) || is_dark(x, y + 1) || is_dark(x - 1, y) || is_dark(x + 1, y));
   }
 
-  bool inspect_pixels(int32_t y, int32_t first, int32_t end) {
-    for (int32_t x = first; x < end; x++) {
+  bool is_edge(int32_t y) const { return y == 0 || y == height - 1; }
+
+  // Marks the bad pixels in the columns from `first` on, `step` apart, of a row: the first `most` of them.
+  uint32_t mark_pixels(int32_t y, int32_t first, int32_t step, uint32_t most = UINT32_MAX) const {
+    uint32_t bad = 0;
+    for (int32_t x = first; x < width - border && bad < most; x += step) {
       if (!is_bad(x, y)) continue;
-      count++;
-      if (marks != nullptr) marks[index(x, y)] = kMark;
-      if (fails_with(count)) return false;
+      bad++;
+      if (marks != nullptr) marks[index(x, y)] = quo::kWhite;
     }
-    return true;
+    return bad;
   }
 
-  // For pixels that have all four neighbours. Only the block in which the count exceeds the allowance is walked.
-  bool inspect_blocks(int32_t y, int32_t first, int32_t end) {
-    for (int32_t x = first; x < end; x += std::min(kBlock, end - x)) {
-      const int32_t pixels = std::min(kBlock, end - x);
-      const uint8_t* const middle = image + index(x, y);
-      const Run run{middle - width, middle - 1, middle, middle + 1, middle + width, pixels};
-      const uint32_t bad = count_bad(run, threshold);
-      if (bad == 0) continue;
-      if (fails_with(count + bad)) return inspect_pixels(y, x, x + pixels);
+  // Of rows of which either none is at an edge of the image, or there is one.
+  uint32_t mark_rows(int32_t y, int32_t rows) const {
+    if (is_edge(y)) return mark_pixels(y, border, 1);
+    const int32_t first = std::max(border, 1), end = width - first;
+    uint32_t bad = 0;
+    if (first < end) {
+      uint8_t* const inside = marks != nullptr ? marks + index(first, y) : nullptr;
+      bad = mark_inside(image + index(first, y), threshold, inside, {end - first, rows, width});
+    }
+    for (int32_t i = y; border == 0 && i < y + rows; i++) bad += mark_pixels(i, 0, std::max(width - 1, 1));
+    return bad;
+  }
+
+  // The rows in which the count exceeds the allowance are marked anew up to the pixel where it does.
+  void fail_in_rows(int32_t y, int32_t rows) {
+    const uint32_t last = static_cast<uint32_t>(std::max(allowance, 0)) + 1;
+    if (marks != nullptr) {
+      quo_memset(marks + index(0, y), 0, static_cast<uint32_t>(index(0, rows)));
+      for (; count < last; y++) count += mark_pixels(y, border, 1, last - count);
+    }
+    count = last;
+  }
+
+  void inspect() {
+    const int32_t bottom = height - border, most_rows = std::max(kBandPixels / width, 1);
+    for (int32_t y = border, rows = 0; y < bottom; y += rows) {
+      rows = is_edge(y) ? 1 : std::min(most_rows, std::min(bottom, height - 1) - y);
+      const uint32_t bad = mark_rows(y, rows);
+      if (bad > 0 && int64_t{count} + bad > allowance) return fail_in_rows(y, rows);
       count += bad;
-      if (marks != nullptr) mark_bad(run, threshold, marks + index(x, y));
     }
-    return true;
-  }
-
-  bool inspect_row(int32_t y, int32_t first, int32_t end) {
-    if (y == 0 || y == height - 1) return inspect_pixels(y, first, end);
-    const int32_t inner_first = std::max(first, 1);
-    const int32_t inner_end = std::max(inner_first, std::min(end, width - 1));
-    return inspect_pixels(y, first, inner_first) && inspect_blocks(y, inner_first, inner_end) &&
-           inspect_pixels(y, inner_end, end);
   }
 };
 
@@ -104,16 +104,13 @@ struct Inspection {
 void MyErodeEx(const uint8_t* image, int32_t width, int32_t height, int32_t border, uint8_t threshold,
                int32_t allowance, uint32_t* count, uint8_t** mark_image) {
   border = std::max(border, 0);
-  Inspection inspection{image, std::max(width, 0), std::max(height, 0), threshold, allowance, nullptr};
+  Inspection inspection{image, std::max(width, 0), std::max(height, 0), border, threshold, allowance, nullptr};
   if (mark_image != nullptr) {
     const uint64_t pixels = quo::pixel_count(width, height);
     quo::Scratch<uint8_t> marks;
     if (marks.allocate(pixels)) quo_memset(marks.get(), 0, static_cast<uint32_t>(pixels));
     *mark_image = inspection.marks = marks.release();
   }
-  const int32_t right = inspection.width - border, bottom = border < right ? inspection.height - border : 0;
-  for (int32_t y = border; y < bottom; y++) {
-    if (!inspection.inspect_row(y, border, right)) break;
-  }
+  if (border < inspection.width - border) inspection.inspect();
   if (count != nullptr) *count = inspection.count;
 }

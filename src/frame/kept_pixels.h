@@ -31,7 +31,7 @@ class KeptPixels {
     for (ptrdiff_t x = 0, columns = 0; x < area.columns; x += columns) {
       columns = std::min(kStrip, area.columns - x);
       if (columns < kBlock) {
-        keep_narrow(test, x, output, {columns, area.rows, area.width});
+        keep_narrow(test, x, columns, output, area);
       } else {
         keep_strip(test, x, output, {columns, area.rows, area.width});
       }
@@ -62,13 +62,18 @@ class KeptPixels {
     return marks;
   }();
 
+  /** Each row is in a block that runs on into the next rows, where that does not leave the area. */
   template <typename Test>
-  [[gnu::always_inline]] inline void keep_narrow(const Test& test, ptrdiff_t x, uint8_t* output, const Area& area) {
-    for (ptrdiff_t y = 0; y < area.rows; y++) {
-      const ptrdiff_t first = y * area.width + x;
-      for (ptrdiff_t i = first; i < first + area.columns; i++) {
-        keep_one(test(i), output != nullptr ? output + i : nullptr);
-      }
+  [[gnu::always_inline]] inline void keep_narrow(const Test& test, ptrdiff_t x, ptrdiff_t columns, uint8_t* output,
+                                                 const Area& area) {
+    const ptrdiff_t end = (area.rows - 1) * area.width + x + columns;
+    ptrdiff_t first = x;
+    for (; first + kBlock <= end; first += area.width) {
+      if (blocks_ == kMostBlocks) add_up();
+      keep_marked(test, first, kMarks.data() + kBlock - columns, output);
+    }
+    for (; first < end; first += area.width) {
+      for (ptrdiff_t i = first; i < first + columns; i++) keep_one(test(i), output != nullptr ? output + i : nullptr);
     }
   }
 

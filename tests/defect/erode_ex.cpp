@@ -28,8 +28,9 @@ void expect_defined(const Image& image, int32_t border, int32_t allowance) {
 
 TEST(MyErodeEx, StopsAtThePixelThatExceedsTheAllowance) {
   Random random(22);
-  for (const int32_t width : {17, 240, 245, 490, 733}) {  // one block and less, and several
-    const Image image = speckled(random, width, 7);
+  // Blocks and parts of them, one band of rows and several.
+  for (const auto& [width, height] : {Size{1, 9}, {2, 9}, {17, 7}, {28, 300}, {245, 40}, {733, 13}}) {
+    const Image image = speckled(random, width, height);
     Image marks;
     const auto bad = static_cast<int32_t>(reference::erode(image, 1, 100, INT32_MAX, marks));
     for (const int32_t border : {0, 1, 2}) {
