@@ -1,9 +1,9 @@
 #include "defect/bad_lines.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 
+#include "frame/block_marks.h"
 #include "frame/gray.h"
 #include "frame/multiversion.h"
 
@@ -24,78 +24,85 @@ constexpr int32_t kLastMargin = 3;
 // A line's sum is exact for 16,843,009 pixels; beyond, sums wrap.
 static_assert(UINT32_MAX / 255 == 16843009);
 
-// Pairs of neighbouring pixels, each pair one number: left pixels in the low bytes, right ones in the high bytes. They
-// are parted by a mask and a shift, which takes less than widening the pixels in their order.
-using Pairs = uint16_t __attribute__((vector_size(32)));
-using Quads = uint64_t __attribute__((vector_size(32)));
-constexpr ptrdiff_t kBlock = sizeof(Pairs);  // pixels of a row that are added at once
-constexpr ptrdiff_t kRowGroup = 4;           // rows that are
-constexpr ptrdiff_t kTile = 256;             // pixels of a row summed in 16 bits
-constexpr ptrdiff_t kBand = 256;             // rows whose columns are summed in 16 bits
-constexpr ptrdiff_t kStrip = 2048;           // columns whose 16-bit sums lie on the stack
+constexpr ptrdiff_t kRowGroup = 4;    // rows added to the sums at once
+constexpr ptrdiff_t kTile = 256;      // pixels of a row summed in 16 bits
+constexpr ptrdiff_t kBand = 256;      // rows whose columns are summed in 16 bits
+constexpr ptrdiff_t kStrip = 2048;    // columns whose 16-bit sums lie on the stack
+constexpr ptrdiff_t kNarrowest = 32;  // width that has a whole block of every kind
 static_assert(kTile * 255 <= UINT16_MAX && kBand * 255 <= UINT16_MAX);
-static_assert(kTile % kBlock == 0 && kStrip % kTile == 0);
+static_assert(kTile % kNarrowest == 0 && kStrip % kTile == 0);
 
-/** The sums of the columns of a block: of those of left pixels and of those of right ones. */
-struct BlockSums {
-  Pairs left;
-  Pairs right;
+// Vectors of pairs of neighbouring pixels, each pair one number: left pixels in the low bytes, right ones in the high
+// bytes. They are parted by a mask and a shift, which takes less than widening the pixels in their order.
+using EightPairs = uint16_t __attribute__((vector_size(16)));
+using SixteenPairs = uint16_t __attribute__((vector_size(32)));
+using FourSums = uint32_t __attribute__((vector_size(16)));
 
-  [[gnu::always_inline]] inline void add_to(uint32_t* __restrict column_sums) const {
-    for (ptrdiff_t i = 0; i < kBlock / 2; i++) {
-      column_sums[2 * i] += left[i];
-      column_sums[2 * i + 1] += right[i];
-    }
-  }
-};
-
-// Adds up the numbers of each row, below 2^16 in all: those at the same place of its quads, then those of one quad.
-[[gnu::always_inline]] inline void add_totals(const Pairs (&of_rows)[kRowGroup], ptrdiff_t rows, uint32_t* row_sums) {
-  const auto a = reinterpret_cast<Quads>(of_rows[0]), b = reinterpret_cast<Quads>(of_rows[1]);
-  const auto c = reinterpret_cast<Quads>(of_rows[2]), d = reinterpret_cast<Quads>(of_rows[3]);
-  const Quads ab = __builtin_shufflevector(a, b, 0, 4, 2, 6) + __builtin_shufflevector(a, b, 1, 5, 3, 7);
-  const Quads cd = __builtin_shufflevector(c, d, 0, 4, 2, 6) + __builtin_shufflevector(c, d, 1, 5, 3, 7);
-  Quads sums = __builtin_shufflevector(ab, cd, 0, 1, 4, 5) + __builtin_shufflevector(ab, cd, 2, 3, 6, 7);
-  sums += sums << 16;
-  sums += sums << 32;
-  sums >>= 48;
-  for (ptrdiff_t y = 0; y < rows; y++) row_sums[y] += static_cast<uint32_t>(sums[y]);
+// A row has less than 2^16 in all.
+[[gnu::always_inline]] inline EightPairs eight(const EightPairs& numbers) { return numbers; }
+[[gnu::always_inline]] inline EightPairs eight(const SixteenPairs& numbers) {
+  return __builtin_shufflevector(numbers, numbers, 0, 1, 2, 3, 4, 5, 6, 7) +
+         __builtin_shufflevector(numbers, numbers, 8, 9, 10, 11, 12, 13, 14, 15);
 }
 
-// Adds `kRows` rows of at most a tile, in whole blocks; of their pixels those count whose bits are set in `counted`.
-template <ptrdiff_t kRows>
-[[gnu::always_inline]] inline void add_rows(const uint8_t* pixels, ptrdiff_t width, ptrdiff_t count,
-                                            const Pairs& counted, BlockSums* blocks, uint32_t* row_sums) {
-  static_assert(kRows <= kRowGroup);
-  Pairs of_rows[kRowGroup]{};
-  for (ptrdiff_t x = 0; x < count; x += kBlock, blocks++) {
-    BlockSums sums = *blocks;
-    for (ptrdiff_t y = 0; y < kRows; y++) {
-      Pairs pairs;
-      __builtin_memcpy(&pairs, pixels + y * width + x, sizeof pairs);
-      pairs &= counted;
-      sums.left += pairs & 255;
-      sums.right += pairs >> 8;
-      of_rows[y] += (pairs & 255) + (pairs >> 8);
-    }
-    *blocks = sums;
-  }
-  add_totals(of_rows, kRows, row_sums);
+[[gnu::always_inline]] inline FourSums four(const EightPairs& numbers) {
+  const auto pairs = reinterpret_cast<FourSums>(numbers);
+  return (pairs & UINT16_MAX) + (pairs >> 16);
 }
 
-// Read from n on, the bits of the last n pixels of a block are set.
-constexpr std::array<uint8_t, 2 * kBlock> kMarks = [] {
-  std::array<uint8_t, 2 * kBlock> marks{};
-  for (size_t k = kBlock; k < marks.size(); k++) marks[k] = 255;
-  return marks;
-}();
+// The sum of the numbers of each of four rows.
+template <typename Pairs>
+[[gnu::always_inline]] inline FourSums totals(const Pairs (&rows)[kRowGroup]) {
+  const FourSums a = four(eight(rows[0])), b = four(eight(rows[1])), c = four(eight(rows[2])), d = four(eight(rows[3]));
+  const FourSums ab = __builtin_shufflevector(a, b, 0, 4, 1, 5) + __builtin_shufflevector(a, b, 2, 6, 3, 7);
+  const FourSums cd = __builtin_shufflevector(c, d, 0, 4, 1, 5) + __builtin_shufflevector(c, d, 2, 6, 3, 7);
+  return __builtin_shufflevector(ab, cd, 0, 1, 4, 5) + __builtin_shufflevector(ab, cd, 2, 3, 6, 7);
+}
 
-/** Rows of a band in a strip of columns, of a frame at least a block wide. */
+template <size_t kRows>
+[[gnu::always_inline]] inline void add(FourSums sums, uint32_t* row_sums) {
+  FourSums before{};
+  __builtin_memcpy(&before, row_sums, kRows * sizeof *row_sums);
+  sums += before;
+  __builtin_memcpy(row_sums, &sums, kRows * sizeof *row_sums);
+}
+
+/** Rows of a band in a strip of columns, of a frame at least a block of pixels wide. */
+template <typename Pairs>
 struct Band {
   const uint8_t* pixels;
   ptrdiff_t frame_width;
   ptrdiff_t columns;
   ptrdiff_t rows;
+
+  [[gnu::always_inline]] inline void add_to(uint32_t* row_sums, uint32_t* column_sums) const {
+    BlockSums blocks[static_cast<size_t>(kStrip / kBlock)];
+    const ptrdiff_t whole = columns / kBlock, count = whole + (columns % kBlock != 0);
+    for (ptrdiff_t i = 0; i < count; i++) blocks[i] = BlockSums{};
+    ptrdiff_t y = 0;
+    for (; y + kRowGroup <= rows; y += kRowGroup) add_group<kRowGroup>(y, blocks, row_sums + y);
+    for (; y < rows; y++) add_group<1>(y, blocks, row_sums + y);
+    for (ptrdiff_t i = 0; i < whole; i++) blocks[i].add_to(column_sums + i * kBlock);
+    if (count > whole) blocks[whole].add_to(column_sums + columns - kBlock);
+  }
+
+ private:
+  static constexpr size_t kBytes = sizeof(Pairs);
+  static constexpr ptrdiff_t kBlock = kBytes;
+  static_assert(kBlock <= kNarrowest);
+
+  /** The sums of the columns of a block: of those of left pixels and of those of right ones. */
+  struct BlockSums {
+    Pairs left;
+    Pairs right;
+
+    [[gnu::always_inline]] inline void add_to(uint32_t* __restrict column_sums) const {
+      for (ptrdiff_t i = 0; i < kBlock / 2; i++) {
+        column_sums[2 * i] += left[i];
+        column_sums[2 * i + 1] += right[i];
+      }
+    }
+  };
 
   // Columns after whole blocks are looked at in a block that overlaps the last one, where they alone count.
   template <ptrdiff_t kRows>
@@ -103,35 +110,57 @@ struct Band {
     const uint8_t* const group = pixels + y * frame_width;
     const ptrdiff_t left = columns % kBlock, whole = columns - left;
     for (ptrdiff_t x = 0; x < whole; x += kTile) {
-      add_rows<kRows>(group + x, frame_width, std::min(kTile, whole - x), ~Pairs{}, blocks + x / kBlock, row_sums + y);
+      add_rows<kRows>(group + x, std::min(kTile, whole - x), ~Pairs{}, blocks + x / kBlock, row_sums);
     }
     if (left == 0) return;
     Pairs last;
-    __builtin_memcpy(&last, kMarks.data() + left, sizeof last);
-    add_rows<kRows>(group + columns - kBlock, frame_width, kBlock, last, blocks + whole / kBlock, row_sums + y);
+    __builtin_memcpy(&last, quo::kLastOfBlock<kBytes>.data() + left, sizeof last);
+    add_rows<kRows>(group + columns - kBlock, kBlock, last, blocks + whole / kBlock, row_sums);
   }
 
-  [[gnu::always_inline]] inline void add_to(uint32_t* row_sums, uint32_t* column_sums) const {
-    BlockSums blocks[kStrip / kBlock];
-    const ptrdiff_t whole = columns / kBlock, count = whole + (columns % kBlock != 0);
-    for (ptrdiff_t i = 0; i < count; i++) blocks[i] = BlockSums{};
-    ptrdiff_t y = 0;
-    for (; y + kRowGroup <= rows; y += kRowGroup) add_group<kRowGroup>(y, blocks, row_sums);
-    for (; y < rows; y++) add_group<1>(y, blocks, row_sums);
-    for (ptrdiff_t i = 0; i < whole; i++) blocks[i].add_to(column_sums + i * kBlock);
-    if (count > whole) blocks[whole].add_to(column_sums + columns - kBlock);
+  // Adds at most a tile of rows, in whole blocks; of their pixels those count whose bits are set in `counted`.
+  template <ptrdiff_t kRows>
+  [[gnu::always_inline]] inline void add_rows(const uint8_t* tile, ptrdiff_t count, const Pairs& counted,
+                                              BlockSums* blocks, uint32_t* row_sums) const {
+    Pairs of_rows[kRowGroup]{};
+    for (ptrdiff_t x = 0; x < count; x += kBlock, blocks++) {
+      BlockSums sums = *blocks;
+      for (ptrdiff_t y = 0; y < kRows; y++) {
+        Pairs pairs;
+        __builtin_memcpy(&pairs, tile + y * frame_width + x, sizeof pairs);
+        pairs &= counted;
+        sums.left += pairs & 255;
+        sums.right += pairs >> 8;
+        of_rows[y] += (pairs & 255) + (pairs >> 8);
+      }
+      *blocks = sums;
+    }
+    add<kRows>(totals(of_rows), row_sums);
   }
 };
 
-QUO_MULTIVERSION void sum_in_blocks(const uint8_t* image, ptrdiff_t width, ptrdiff_t height, uint32_t* row_sums,
-                                    uint32_t* column_sums) {
+template <typename Pairs>
+[[gnu::always_inline]] inline void sum_with(const uint8_t* image, ptrdiff_t width, ptrdiff_t height, uint32_t* row_sums,
+                                            uint32_t* column_sums) {
   for (ptrdiff_t x = 0; x < width; x += kStrip) {
     for (ptrdiff_t y = 0; y < height; y += kBand) {
-      const Band band{image + y * width + x, width, std::min(kStrip, width - x), std::min(kBand, height - y)};
+      const Band<Pairs> band{image + y * width + x, width, std::min(kStrip, width - x), std::min(kBand, height - y)};
       band.add_to(row_sums + y, column_sums + x);
     }
   }
 }
+
+QUO_BASELINE void sum_in_blocks(const uint8_t* image, ptrdiff_t width, ptrdiff_t height, uint32_t* row_sums,
+                                uint32_t* column_sums) {
+  sum_with<EightPairs>(image, width, height, row_sums, column_sums);
+}
+
+#ifdef QUO_WIDE
+QUO_WIDE void sum_in_blocks(const uint8_t* image, ptrdiff_t width, ptrdiff_t height, uint32_t* row_sums,
+                            uint32_t* column_sums) {
+  sum_with<SixteenPairs>(image, width, height, row_sums, column_sums);
+}
+#endif
 
 void sum_pixels(const uint8_t* image, ptrdiff_t width, ptrdiff_t height, uint32_t* row_sums, uint32_t* column_sums) {
   for (ptrdiff_t y = 0; y < height; y++) {
@@ -145,7 +174,7 @@ void sum_pixels(const uint8_t* image, ptrdiff_t width, ptrdiff_t height, uint32_
 void sum_lines(const uint8_t* image, ptrdiff_t width, ptrdiff_t height, uint32_t* row_sums, uint32_t* column_sums) {
   for (ptrdiff_t x = 0; x < width; x++) column_sums[x] = 0;
   for (ptrdiff_t y = 0; y < height; y++) row_sums[y] = 0;
-  if (width < kBlock) {
+  if (width < kNarrowest) {
     sum_pixels(image, width, height, row_sums, column_sums);
   } else {
     sum_in_blocks(image, width, height, row_sums, column_sums);

@@ -2,6 +2,7 @@
 #include <cmath>
 #include <cstddef>
 
+#include "frame/block_marks.h"
 #include "frame/eight_bytes.h"
 #include "frame/multiversion.h"
 #include "quoFPAlg.h"
@@ -34,14 +35,14 @@ struct Overlap {
 };
 static_assert(100U * UINT16_MAX <= UINT32_MAX);
 
-// Positions that are compared at once: one vector register or two.
-using Block = uint8_t __attribute__((vector_size(32)));
-using Eights = uint64_t __attribute__((vector_size(32)));
-constexpr uint32_t kBlock = sizeof(Block);
+// Positions that are compared at once: as many as a vector register has.
+using SixteenBytes = uint8_t __attribute__((vector_size(16)));
+using ThirtyTwoBytes = uint8_t __attribute__((vector_size(32)));
 constexpr uint32_t kMostAtOnce = 224;  // positions that a byte can count
-static_assert(kMostAtOnce <= UINT8_MAX && kMostAtOnce % kBlock == 0);
+static_assert(kMostAtOnce <= UINT8_MAX && kMostAtOnce % sizeof(ThirtyTwoBytes) == 0);
 
 /** Counts dark positions in whole blocks, each place of a block in a byte of its own. */
+template <typename Block>
 class BlockCounts {
  public:
   /** Looks at one block; places where `counted` is 0 do not count, where it is 255 they do. */
@@ -60,8 +61,10 @@ class BlockCounts {
  private:
   // The product has the sum of eight bytes, below 256, in its top byte.
   [[gnu::always_inline]] static inline uint32_t sum(const Block& counts) {
-    const auto eights = reinterpret_cast<const Eights&>(counts);
-    return static_cast<uint32_t>((eights[0] + eights[1] + eights[2] + eights[3]) * quo::kEightTimes >> 56);
+    uint64_t eights[sizeof counts / sizeof(uint64_t)], sums = 0;
+    __builtin_memcpy(eights, &counts, sizeof eights);
+    for (const uint64_t eight : eights) sums += eight;
+    return static_cast<uint32_t>(sums * quo::kEightTimes >> 56);
   }
 
   Block considered_{};
@@ -69,14 +72,15 @@ class BlockCounts {
 };
 
 // The positions after whole blocks are looked at in a block that overlaps the last one, where they alone count.
+template <typename Block>
 [[gnu::always_inline]] inline Overlap overlap_in_blocks(const uint8_t* a, const uint8_t* b, uint32_t length) {
-  constexpr Block kPlaces{0,  1,  2,  3,  4,  5,  6,  7,  8,  9,  10, 11, 12, 13, 14, 15,
-                          16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29, 30, 31};
+  constexpr uint32_t kBlock = sizeof(Block);
   const uint32_t left = length % kBlock, whole = length - left;
-  BlockCounts counts;
+  BlockCounts<Block> counts;
   for (uint32_t i = 0; i < whole; i += kBlock) counts.add(a + i, b + i, ~Block{});
-  const auto first_left = static_cast<uint8_t>(kBlock - left);
-  counts.add(a + length - kBlock, b + length - kBlock, reinterpret_cast<Block>(kPlaces >= first_left));
+  Block last;
+  __builtin_memcpy(&last, quo::kLastOfBlock<kBlock>.data() + left, sizeof last);
+  counts.add(a + length - kBlock, b + length - kBlock, last);
   return {length, counts.considered(), counts.agreeing()};
 }
 
@@ -90,11 +94,13 @@ Overlap overlap_of_few(const uint8_t* a, const uint8_t* b, uint32_t length) {
   return few;
 }
 
+template <typename Block>
 [[gnu::always_inline]] inline Overlap overlap(const uint8_t* a, const uint8_t* b, uint32_t length) {
   Overlap sum;
   for (uint32_t at = 0, count; at < length; at += count) {
     count = std::min(length - at, kMostAtOnce);
-    sum += count < kBlock ? overlap_of_few(a + at, b + at, count) : overlap_in_blocks(a + at, b + at, count);
+    const bool few = count < sizeof(Block);
+    sum += few ? overlap_of_few(a + at, b + at, count) : overlap_in_blocks<Block>(a + at, b + at, count);
   }
   return sum;
 }
@@ -116,16 +122,27 @@ struct Comparison {
 };
 
 // False when the records do not fit together.
-QUO_MULTIVERSION bool compare(const uint8_t* first, const uint8_t* second, Comparison& comparison) {
+template <typename Block>
+[[gnu::always_inline]] inline bool compare_blocks(const uint8_t* first, const uint8_t* second, Comparison& comparison) {
   if (first[0] != second[0] || quo::payload_length(first) != quo::payload_length(second)) return false;
   quo::SectionWalk a(first), b(second);
   while (!a.at_end()) {
     quo::Section of_a{}, of_b{};
     if (!a.next(of_a) || !b.next(of_b) || of_a.length != of_b.length) return false;
-    comparison.add(overlap(of_a.profile, of_b.profile, of_a.length));
+    comparison.add(overlap<Block>(of_a.profile, of_b.profile, of_a.length));
   }
   return true;
 }
+
+QUO_BASELINE bool compare(const uint8_t* first, const uint8_t* second, Comparison& comparison) {
+  return compare_blocks<SixteenBytes>(first, second, comparison);
+}
+
+#ifdef QUO_WIDE
+QUO_WIDE bool compare(const uint8_t* first, const uint8_t* second, Comparison& comparison) {
+  return compare_blocks<ThirtyTwoBytes>(first, second, comparison);
+}
+#endif
 
 // Standard deviation of the section scores about their truncated mean.
 float spread(const Comparison& comparison) {
