@@ -25,9 +25,7 @@ QUO_MULTIVERSION uint32_t mark_inside(const uint8_t* middle, uint8_t threshold, 
     const uint8_t darkest = darker(darker(above[i], below[i]), darker(left[i], right[i]));
     return lighter(middle[i], darkest) < threshold ? quo::kWhite : uint8_t{0};
   };
-  quo::KeptPixels bad;
-  bad.keep(is_bad, marks, area);
-  return bad.number();
+  return quo::keep_pixels(is_bad, marks, area);
 }
 
 // Counts and marks in reading order until the count exceeds the allowance.

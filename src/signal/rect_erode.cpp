@@ -7,8 +7,6 @@
 
 namespace {
 
-using quo::KeptPixels;
-
 // The pixels of an area of which all neighbours are in the image too. A 3 x 3 neighbourhood is all 255 exactly when the
 // bits that its pixels have in common are 255.
 QUO_MULTIVERSION uint32_t erode(const uint8_t* mask, uint8_t* output, const quo::Area& area) {
@@ -18,9 +16,7 @@ QUO_MULTIVERSION uint32_t erode(const uint8_t* mask, uint8_t* output, const quo:
   const auto stays = [=](ptrdiff_t i) {
     return quo::all_set(of_three(above, i) & of_three(mask, i) & of_three(below, i));
   };
-  KeptPixels kept;
-  kept.keep(stays, output, area);
-  return kept.number();
+  return quo::keep_pixels(stays, output, area);
 }
 
 }  // namespace

@@ -42,7 +42,7 @@ struct Counter {
   int32_t value() const { return static_cast<int32_t>(left); }
 };
 
-// Marks from the first pixel of a line on. Returns the position after the last one visited.
+// Marks from the pixel after the first pair of a line on. Returns the position after the last one visited.
 int32_t scan_forward(Line line, Counter& counter) {
   if (line.length <= kEdge) return kEdge;
   int32_t i = kEdge;
@@ -55,7 +55,7 @@ int32_t scan_forward(Line line, Counter& counter) {
   return i < line.length ? i + 1 : i;
 }
 
-// Marks from the last pixel of a row back to `limit`, not included.
+// Marks from the pixel before the last pair of a row back to `limit`, not included.
 void scan_row_backward(Line row, int32_t limit, Counter& counter) {
   const int32_t start = row.length - kEdge - 1;
   int32_t i = start;

@@ -52,8 +52,8 @@ void sort_pairs(const uint8_t* __restrict a, const uint8_t* __restrict b, Column
   });
 }
 
-// The fifth smallest of nine is the median of the largest low, the median middle and the smallest high value: each of
-// the three has at least four values on either side that are settled by the sorted columns.
+// The fifth smallest of nine is the median of the largest low, the median middle and the smallest high value. Minima and
+// maxima do the same to all values as to zeros and ones: of those, two of the three are 1 just when five of the nine are.
 [[gnu::always_inline]] inline void fifth_of_nine(const Columns& __restrict columns, uint8_t* __restrict output,
                                                  int32_t count) {
   const uint8_t* const low = columns.low;
@@ -65,8 +65,8 @@ void sort_pairs(const uint8_t* __restrict a, const uint8_t* __restrict b, Column
   });
 }
 
-// The third smallest of six, sorted as pairs: the least of what is the largest of three, for the three that can be the
-// lowest, which are all the low ones or two low ones and a high one.
+// The third smallest of six, sorted as pairs. The three lowest are the low ones, or two of these and the high one of one
+// of them: the third is the lesser of the maxima of such threes.
 void third_of_six(const Columns& __restrict columns, uint8_t* __restrict output, int32_t count) {
   const uint8_t* const low = columns.low;
   const uint8_t* const high = columns.high;
@@ -122,6 +122,7 @@ void take_pairs(const uint8_t* left, const uint8_t* right, ptrdiff_t width, uint
 void filter_border_columns(const uint8_t* left, const uint8_t* right, uint8_t* output, ptrdiff_t width,
                            int32_t height) {
   constexpr int32_t kMostRows = kStrip / 4 - 2;
+  static_assert(2 * 2 * (kMostRows + 2) <= kStrip);  // two pairs of columns
   uint8_t taken[kStrip], filtered[kStrip];
   Columns columns;
   for (int32_t y = 0, rows = 0; y < height - 2; y += rows) {
