@@ -26,7 +26,10 @@ inline uint16_t load_two(const uint8_t* bytes) {
 
 inline void store_eight(uint8_t* bytes, uint64_t eight) { __builtin_memcpy(bytes, &eight, sizeof eight); }
 
-/** Whether one of the bytes is 0: only then a borrow reaches the top bit of a byte that had it clear. */
-inline bool has_zero_byte(uint64_t eight) { return ((eight - kEightTimes) & ~eight & kEightTimes * 0x80) != 0; }
+/** The top bit of each byte that is 0. Above the first such byte, which alone is certain, a borrow may set others. */
+inline uint64_t zero_bytes(uint64_t eight) { return (eight - kEightTimes) & ~eight & kEightTimes * 0x80; }
+
+/** Whether one of the bytes is 0. */
+inline bool has_zero_byte(uint64_t eight) { return zero_bytes(eight) != 0; }
 
 }  // namespace quo

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <bit>
 #include <cstddef>
 
 #include "frame/eight_bytes.h"
@@ -25,7 +26,7 @@ class Growth {
 
   bool allocate() {
     const uint64_t pixels = static_cast<uint64_t>(width_) * static_cast<uint64_t>(height_);
-    return queue_x_.allocate(pixels) && queue_y_.allocate(pixels);
+    return runs_x_.allocate(pixels) && runs_y_.allocate(pixels);
   }
 
   Region grow(ptrdiff_t x, ptrdiff_t y) {
@@ -33,10 +34,11 @@ class Growth {
     gray_ = image_[y * width_ + x];
     labels_[y * width_ + x] = label_;
     for (const ptrdiff_t row : {y - 1, y, y + 1}) visit(row, x - 1, x + 1);
-    for (size_t run = 0; run < runs_; run++) {
-      const auto first = static_cast<ptrdiff_t>(queue_x_[2 * run]),
-                 last = static_cast<ptrdiff_t>(queue_x_[2 * run + 1]);
-      const auto row = static_cast<ptrdiff_t>(queue_y_[run]);
+    while (runs_ > 0) {
+      runs_--;
+      const auto first = static_cast<ptrdiff_t>(runs_x_[2 * runs_]),
+                 last = static_cast<ptrdiff_t>(runs_x_[2 * runs_ + 1]);
+      const auto row = static_cast<ptrdiff_t>(runs_y_[runs_]);
       visit(row - 1, first - 1, last + 1);
       visit(row + 1, first - 1, last + 1);
     }
@@ -45,50 +47,72 @@ class Growth {
 
  private:
   // A row as the loops below see it. Copies of the members, which a store of a label might change for all that the
-  // compiler knows.
+  // compiler knows. Eight pixels are looked at at a time; those past an end of the row are of the rows next to it, which
+  // are in the frame as well, and whatever they hold is cut off.
   struct Row {
     const uint8_t* image;
     uint8_t* labels;
+    ptrdiff_t end;  // of the columns whose pixels join
     uint8_t gray;
     uint8_t label;
 
-    bool joins(ptrdiff_t x) const { return labels[x] == 0 && image[x] == gray; }
-
-    // Long runs are looked at and labelled eight pixels at a time.
-    bool eight_join(ptrdiff_t x) const {
-      return quo::load_eight(labels + x) == 0 && quo::load_eight(image + x) == quo::kEightTimes * gray;
+    // Eight pixels of which those that join are 0.
+    uint64_t eight_differences(ptrdiff_t x) const {
+      return quo::load_eight(labels + x) | (quo::load_eight(image + x) ^ quo::kEightTimes * gray);
     }
-    bool eight_labelled(ptrdiff_t x) const { return !quo::has_zero_byte(quo::load_eight(labels + x)); }
-    void label_eight(ptrdiff_t x) const { quo::store_eight(labels + x, quo::kEightTimes * label); }
+
+    // The first column from x to `last` whose pixel joins. One after `last` if there is none.
+    ptrdiff_t find(ptrdiff_t x, ptrdiff_t last) const {
+      for (; x <= last; x += 8) {
+        const uint64_t joining = quo::zero_bytes(eight_differences(x));
+        if (joining != 0) return x + std::countr_zero(joining) / 8;
+      }
+      return x;
+    }
+
+    // The first column of the run that holds a pixel.
+    ptrdiff_t run_first(ptrdiff_t x) const {
+      for (; x > kFrame; x -= 8) {
+        const uint64_t differences = eight_differences(x - 8);
+        if (differences != 0) return std::max(x - std::countl_zero(differences) / 8, kFrame);
+      }
+      return kFrame;
+    }
+
+    // One past the last column of the run that holds a pixel.
+    ptrdiff_t run_end(ptrdiff_t x) const {
+      for (; x < end; x += 8) {
+        const uint64_t differences = eight_differences(x);
+        if (differences != 0) return std::min(x + std::countr_zero(differences) / 8, end);
+      }
+      return end;
+    }
+
+    void label_run(ptrdiff_t x, ptrdiff_t run_end) const {
+      for (; x + 8 <= run_end; x += 8) quo::store_eight(labels + x, quo::kEightTimes * label);
+      for (; x < run_end; x++) labels[x] = label;
+    }
   };
 
   // Lets every run of a row join that has a pixel in the given columns.
   void visit(ptrdiff_t y, ptrdiff_t first, ptrdiff_t last) {
     if (y < kFrame || y >= height_ - kFrame) return;
-    const Row row{image_ + y * width_, labels_ + y * width_, gray_, label_};
-    last = std::min(last, width_ - kFrame - 1);
-    for (ptrdiff_t x = std::max(first, kFrame); x <= last; x++) {
-      while (x + 7 <= last && row.eight_labelled(x)) x += 8;
-      if (x <= last && row.joins(x)) x = add_run(row, x, y) + 1;
-    }
+    const Row row{image_ + y * width_, labels_ + y * width_, width_ - kFrame, gray_, label_};
+    last = std::min(last, row.end - 1);
+    for (ptrdiff_t x = std::max(first, kFrame); (x = row.find(x, last)) <= last;) x = add_run(row, x, y) + 1;
   }
 
-  // Labels and queues the run around a pixel. Returns the run's last column.
+  // Labels a run that holds a pixel, and keeps it for the visit of its neighbours. Returns the column after the run.
   ptrdiff_t add_run(const Row row, ptrdiff_t x, ptrdiff_t y) {
-    const ptrdiff_t end = width_ - kFrame;
-    ptrdiff_t first = x, last = x;
-    for (; first - 8 >= kFrame && row.eight_join(first - 8); first -= 8) row.label_eight(first - 8);
-    for (; first > kFrame && row.joins(first - 1); first--) row.labels[first - 1] = row.label;
-    for (; last + 8 < end && row.eight_join(last + 1); last += 8) row.label_eight(last + 1);
-    for (; last + 1 < end && row.joins(last + 1); last++) row.labels[last + 1] = row.label;
-    row.labels[x] = row.label;
-    region_ = {region_.count + last - first + 1, std::min(region_.min_x, first), std::min(region_.min_y, y),
-               std::max(region_.max_x, last), std::max(region_.max_y, y)};
-    // Runs of a row are a pixel apart: (width - 3) / 2 of them at most, so two entries each fit in the queue.
-    queue_x_[2 * runs_] = static_cast<Coordinate>(first);
-    queue_x_[2 * runs_ + 1] = static_cast<Coordinate>(last);
-    queue_y_[runs_++] = static_cast<Coordinate>(y);
-    return last;
+    const ptrdiff_t first = row.run_first(x), end = row.run_end(x);
+    row.label_run(first, end);
+    region_ = {region_.count + end - first, std::min(region_.min_x, first), std::min(region_.min_y, y),
+               std::max(region_.max_x, end - 1), std::max(region_.max_y, y)};
+    // Runs of a row are a pixel apart: (width - 3) / 2 of them at most, so two entries each fit.
+    runs_x_[2 * runs_] = static_cast<Coordinate>(first);
+    runs_x_[2 * runs_ + 1] = static_cast<Coordinate>(end - 1);
+    runs_y_[runs_++] = static_cast<Coordinate>(y);
+    return end;
   }
 
   const uint8_t* image_;
@@ -97,8 +121,10 @@ class Growth {
   ptrdiff_t height_;
   uint8_t label_;
   uint8_t gray_ = 0;
-  quo::Scratch<Coordinate> queue_x_;  // of run i the first column at 2 i, the last at 2 i + 1
-  quo::Scratch<Coordinate> queue_y_;  // of run i the row at i
+  // Runs whose neighbours are still to be visited. The latest is taken first: few wait at a time, so little of the
+  // memory is ever touched.
+  quo::Scratch<Coordinate> runs_x_;  // of run i the first column at 2 i, the last at 2 i + 1
+  quo::Scratch<Coordinate> runs_y_;  // of run i the row at i
   size_t runs_ = 0;
   Region region_{};
 };

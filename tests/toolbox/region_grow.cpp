@@ -49,7 +49,7 @@ TEST(RegionGrowByEightNeighbor, NumbersRowsAndColumnsBeyondAByte) {
   }
 }
 
-// The most runs that an image can hold, every second pixel of every row, fill the queue.
+// The most runs that an image can hold: every second pixel of every row.
 TEST(RegionGrowByEightNeighbor, HoldsTheLargestNumberOfRuns) {
   for (int32_t width = 5; width < 24; width++) {
     const Image image(width, 21, [](int32_t x, int32_t y) { return y % 2 == 0 ? x % 2 : 1 - x % 2; });
