@@ -59,11 +59,15 @@ HistogramFigures histogram_figures(const uint16_t* bins) {
   figures.dark_share = 100.0 * dark / figures.pixels;
   figures.low_share = 100.0 * low / figures.pixels;
 
+  // The deviations wait for one another's sum, so the empty bins at both ends, which add nothing to it, are left out.
+  uint32_t from = kLowFrom, end = kUsableEnd;
+  while (bins[from] == 0) from++;
+  while (bins[end - 1] == 0) end--;
   uint32_t sum = 0;  // below 200 x 2^24
-  for (uint32_t gray = kLowFrom; gray < kUsableEnd; gray++) sum += gray * bins[gray];
+  for (uint32_t gray = from; gray < end; gray++) sum += gray * bins[gray];
   const double mean = static_cast<double>(sum) / figures.usable;
   double deviations = 0;
-  for (uint32_t gray = kLowFrom; gray < kUsableEnd; gray++) deviations += bins[gray] * std::fabs(gray - mean);
+  for (uint32_t gray = from; gray < end; gray++) deviations += bins[gray] * std::fabs(gray - mean);
   figures.mean_deviation = deviations / figures.usable;
   return figures;
 }

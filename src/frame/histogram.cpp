@@ -27,8 +27,8 @@ void count_in_lanes(const uint8_t* pixels, int32_t count, uint32_t (&lanes)[kLan
 
 uint8_t CalcHistogram(const uint8_t* pixels, int32_t count, uint32_t* histogram, uint32_t bins) {
   if (pixels == nullptr || histogram == nullptr) return 0;
-  clear(histogram, bins);
   if (count < kFewPixels) {
+    clear(histogram, bins);
     for (int32_t i = 0; i < count; i++) {
       if (pixels[i] < bins) histogram[pixels[i]]++;
     }
@@ -39,5 +39,6 @@ uint8_t CalcHistogram(const uint8_t* pixels, int32_t count, uint32_t* histogram,
   count_in_lanes(pixels, count, lanes);
   const uint32_t counted = bins < kGrayLevels ? bins : kGrayLevels;
   for (uint32_t v = 0; v < counted; v++) histogram[v] = lanes[0][v] + lanes[1][v] + lanes[2][v] + lanes[3][v];
+  clear(histogram + counted, bins - counted);
   return 1;
 }
