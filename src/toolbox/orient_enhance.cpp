@@ -126,8 +126,7 @@ struct Inside {
 // Calls `f` for those that are not.
 template <typename F>
 void for_each_outside(const Inside& inside, int32_t length, const F& f) {
-  for (int32_t i = 0; i < inside.first; i++) f(i);
-  for (int32_t i = inside.end; i < length; i++) f(i);
+  for (int32_t i = 0; i < length - inside.count(); i++) f(i < inside.first ? i : i + inside.count());
 }
 
 // How many bytes from the first of `count` on are the same.
@@ -206,7 +205,7 @@ class Filter {
     });
   }
 
-  [[gnu::always_inline]] void filter_down(int32_t x, int32_t y, int32_t count) const {
+  [[gnu::noinline]] void filter_down(int32_t x, int32_t y, int32_t count) const {
     const ptrdiff_t column = position(x, y), stride = field_.width;
     for_each_run(column, count, stride, [&](ptrdiff_t i, int32_t run, uint8_t k) {
       const ptrdiff_t at = column + i * stride;
