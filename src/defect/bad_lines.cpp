@@ -39,10 +39,14 @@ using SixteenPairs = uint16_t __attribute__((vector_size(32)));
 using FourSums = uint32_t __attribute__((vector_size(16)));
 
 // A row has less than 2^16 in all.
-[[gnu::always_inline]] inline EightPairs eight(const EightPairs& numbers) { return numbers; }
-[[gnu::always_inline]] inline EightPairs eight(const SixteenPairs& numbers) {
-  return __builtin_shufflevector(numbers, numbers, 0, 1, 2, 3, 4, 5, 6, 7) +
-         __builtin_shufflevector(numbers, numbers, 8, 9, 10, 11, 12, 13, 14, 15);
+template <typename Pairs>
+[[gnu::always_inline]] inline EightPairs eight(const Pairs& numbers) {
+  if constexpr (sizeof numbers == sizeof(EightPairs)) {
+    return numbers;
+  } else {
+    return __builtin_shufflevector(numbers, numbers, 0, 1, 2, 3, 4, 5, 6, 7) +
+           __builtin_shufflevector(numbers, numbers, 8, 9, 10, 11, 12, 13, 14, 15);
+  }
 }
 
 [[gnu::always_inline]] inline FourSums four(const EightPairs& numbers) {
