@@ -14,6 +14,10 @@ target_compile_options(quo_warnings INTERFACE
 add_library(quo_strict_warnings INTERFACE)
 target_link_libraries(quo_strict_warnings INTERFACE quo_warnings)
 target_compile_options(quo_strict_warnings INTERFACE -Wconversion -Wsign-conversion)
+# A vector larger than those of the processor can become scalar code, which nothing but the time shows.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|aarch64)$")
+  target_compile_options(quo_strict_warnings INTERFACE $<$<CONFIG:Release>:-Wvector-operation-performance>)
+endif()
 
 add_library(quo_arithmetic INTERFACE)
 target_compile_options(quo_arithmetic INTERFACE -ffp-contract=off)

@@ -316,7 +316,7 @@ QUO_API uint8_t RemoveVerticalStripes(const uint8_t *source, uint8_t *destinatio
  *  @param source       width x height gray image
  *  @param destination  width x height gray image, written; may be source, otherwise not overlapping it
  *  @param width        pixels per row
- *  @param height       rows; the sum of a column is modulo 2^32, which 16,843,009 rows reach at the earliest
+ *  @param height       rows; the sum of a column is modulo 2^32, which 18,354,562 rows reach at the earliest
  *  @return 1 when done, 0 when scratch memory could not be allocated (nothing is written)
  */
 QUO_API uint8_t RemoveVerticalStripes_All(const uint8_t *source, uint8_t *destination, int32_t width, int32_t height);

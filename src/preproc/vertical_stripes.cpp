@@ -15,7 +15,8 @@ constexpr int32_t kNeighboursShift = 3;
 static_assert(2 * kReach == 1 << kNeighboursShift);
 
 // sums / counts truncated; a column without any counts as a white pixel. No mean is above kWhite, so the quotient in
-// double precision is never rounded up to the next integer, from which it is at least 1 / count away.
+// double precision is never rounded up to the next integer: that is at least 1 / count away, far more than the spacing
+// of doubles there.
 void divide(const uint32_t* __restrict sums, const uint32_t* __restrict counts, uint8_t* __restrict means,
             int32_t columns) {
   for (int32_t x = 0; x < columns; x++) {

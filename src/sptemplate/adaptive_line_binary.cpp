@@ -42,7 +42,8 @@ void binarize_ends(uint8_t* __restrict line, const uint32_t* __restrict sums, in
   }
 }
 
-// A multiple of kBlock positions with whole windows; position i of `line` has the one from sums[i] to sums[i + kWindow].
+// Positions in whole blocks, with whole windows: position i of `line` has the one from sums[i] to sums[i + kWindow].
+// What is left of `count` after them stays as it is.
 void binarize_whole_windows(uint8_t* __restrict line, const uint32_t* __restrict sums, int32_t count) {
   const int32_t whole = count / kBlock * kBlock;
   for (int32_t i = 0; i < whole; i++) line[i] = binarized(line[i], sums[i + kWindow] - sums[i], kWindow);

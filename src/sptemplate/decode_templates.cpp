@@ -59,8 +59,8 @@ class SectionDecoder {
   }
 
   // Runs are written in whole steps where the record has room for them: what is too much is overwritten by what
-  // follows, for a record is only handed out when it is full. Leaves every run that cannot be written so, or not at
-  // all, to the caller.
+  // follows, for a record is only handed out when it is full. Leaves to the caller the runs that cannot be written
+  // so, and those that are none.
   [[gnu::always_inline]] inline void expand_short_runs(uint32_t end) {
     if (length_ < kStep) return;
     const uint8_t* const last_step = payload_ + std::min(end, length_ - kStep + 1);

@@ -38,7 +38,7 @@ static_assert(100U * UINT16_MAX <= UINT32_MAX);
 // Positions that are compared at once: as many as a vector register has.
 using SixteenBytes = uint8_t __attribute__((vector_size(16)));
 using ThirtyTwoBytes = uint8_t __attribute__((vector_size(32)));
-constexpr uint32_t kMostAtOnce = 224;  // positions that a byte can count
+constexpr uint32_t kMostAtOnce = 224;  // positions whose number a byte holds, in whole blocks of either size
 static_assert(kMostAtOnce <= UINT8_MAX && kMostAtOnce % sizeof(ThirtyTwoBytes) == 0);
 
 /** Counts dark positions in whole blocks, each place of a block in a byte of its own. */
@@ -110,7 +110,7 @@ struct Comparison {
   Overlap total;
   uint32_t best = 0;
   uint32_t scores[kMostScores] = {};
-  int recorded = 0;
+  uint32_t recorded = 0;
 
   void add(const Overlap& section) {
     total += section;
@@ -147,7 +147,7 @@ QUO_WIDE bool compare(const uint8_t* first, const uint8_t* second, Comparison& c
 // Standard deviation of the section scores about their truncated mean.
 float spread(const Comparison& comparison) {
   if (comparison.recorded == 0) return 0;
-  const auto count = static_cast<uint32_t>(comparison.recorded);
+  const uint32_t count = comparison.recorded;
   uint32_t sum = 0;
   for (uint32_t i = 0; i < count; i++) sum += comparison.scores[i];
   const auto mean = static_cast<int32_t>(sum / count);
@@ -159,7 +159,7 @@ float spread(const Comparison& comparison) {
   return quo_sqrt(static_cast<float>(squares) / static_cast<float>(count));
 }
 
-// How many times a weak overall score counts. Scores between 0 and 100 spread less than 60: at most three times.
+// How many times a weak overall score counts. Scores between 0 and 100 spread less than 51: at most three times.
 uint32_t weight_of_weak(const Comparison& comparison) {
   const double deviation = static_cast<double>(spread(comparison));
   return deviation > kSpreadUnit ? static_cast<uint32_t>(deviation / kSpreadUnit) : 1;
@@ -167,7 +167,7 @@ uint32_t weight_of_weak(const Comparison& comparison) {
 
 uint32_t final_score(const Comparison& comparison) {
   uint32_t overall = comparison.total.score();
-  if (overall <= kWeakOverall) overall *= weight_of_weak(comparison);  // below 200
+  if (overall <= kWeakOverall) overall *= weight_of_weak(comparison);  // at most 147
   const auto best = static_cast<double>(comparison.best);
   const double score = std::fma(best, kBestWeight, overall * kOverallWeight);
   return std::min(static_cast<uint32_t>(score), kFullScore);

@@ -8,7 +8,7 @@ namespace quo {
 
 inline constexpr uint32_t kRecordHeader = 3;   // bytes: version and payload length
 inline constexpr uint32_t kSectionHeader = 2;  // bytes: section length
-inline constexpr uint32_t kDark = 0;           // profile byte of a pixel that is not brighter than its local mean
+inline constexpr uint8_t kDark = 0;            // profile byte of a pixel that is not brighter than its local mean
 
 inline uint32_t read_u16(const uint8_t* bytes) { return static_cast<uint32_t>(bytes[0]) << 8 | bytes[1]; }
 

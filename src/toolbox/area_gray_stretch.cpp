@@ -392,8 +392,8 @@ void copy_but_black(const GrayFrame& frame, uint8_t* output) {
   }
 }
 
-// Half a window size as a 16-bit value: negative, and the window without pixels, for sizes of 65537 to 131072, and so on
-// modulo 131072.
+// Half a window size as a 16-bit value: negative, and the window without pixels, for sizes of 65537 to 131072, and so
+// on modulo 131072.
 int32_t half_size(int32_t window_size) { return static_cast<int16_t>((std::max(window_size, 1) - 1) / 2); }
 
 }  // namespace

@@ -52,8 +52,9 @@ void sort_pairs(const uint8_t* __restrict a, const uint8_t* __restrict b, Column
   });
 }
 
-// The fifth smallest of nine is the median of the largest low, the median middle and the smallest high value. Minima and
-// maxima do the same to all values as to zeros and ones: of those, two of the three are 1 just when five of the nine are.
+// The fifth smallest of nine is the median of the largest low, the median middle and the smallest high value. Minima
+// and maxima do the same to all values as to zeros and ones: of those, two of the three are 1 just when five of the
+// nine are.
 [[gnu::always_inline]] inline void fifth_of_nine(const Columns& __restrict columns, uint8_t* __restrict output,
                                                  int32_t count) {
   const uint8_t* const low = columns.low;
@@ -65,8 +66,8 @@ void sort_pairs(const uint8_t* __restrict a, const uint8_t* __restrict b, Column
   });
 }
 
-// The third smallest of six, sorted as pairs. The three lowest are the low ones, or two of these and the high one of one
-// of them: the third is the lesser of the maxima of such threes.
+// The third smallest of six, sorted as pairs. The three lowest are the low ones, or two of these and the high one of
+// one of them: the third is the lesser of the maxima of such threes.
 void third_of_six(const Columns& __restrict columns, uint8_t* __restrict output, int32_t count) {
   const uint8_t* const low = columns.low;
   const uint8_t* const high = columns.high;

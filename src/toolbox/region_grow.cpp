@@ -47,8 +47,8 @@ class Growth {
 
  private:
   // A row as the loops below see it. Copies of the members, which a store of a label might change for all that the
-  // compiler knows. Eight pixels are looked at at a time; those past an end of the row are of the rows next to it, which
-  // are in the frame as well, and whatever they hold is cut off.
+  // compiler knows. Eight pixels are looked at at a time; those past an end of the row are of the rows next to it,
+  // which are in the frame as well, and whatever they hold is cut off.
   struct Row {
     const uint8_t* image;
     uint8_t* labels;

@@ -12,8 +12,8 @@ namespace quo {
 /** Columns looked at together: those of a strip of pixels and, on either side, those that their windows reach. */
 inline constexpr int32_t kStripColumns = 352;
 
-/** The distance of two pixels, 0 where one is background. As max - a + max - b it stays in bytes; GCC 12 takes max - min
- *  apart into selections between 16-bit sums. */
+/** The distance of two pixels, 0 where one is background. As max - a + max - b it stays in bytes; GCC 12 takes max -
+ *  min apart into selections between 16-bit sums. */
 inline uint8_t foreground_distance(uint8_t a, uint8_t b) {
   const uint8_t higher = std::max(a, b);
   const auto distance = static_cast<uint8_t>((higher - a) + (higher - b));
