@@ -102,7 +102,7 @@ class PixelKeeper {
   [[gnu::always_inline]] inline void test_last(const Test& test, ptrdiff_t i, const uint8_t* marks, uint8_t* set) {
     for (ptrdiff_t k = 0; k < kBlock; k++) set[k] = test(i + k);
     for (ptrdiff_t k = 0; k < kBlock; k++) {
-      in_blocks_[k] = static_cast<uint8_t>(in_blocks_[k] + (set[k] & marks[k] & 1));
+      in_last_blocks_[k] = static_cast<uint8_t>(in_last_blocks_[k] + (set[k] & marks[k] & 1));
     }
     blocks_++;
   }
@@ -113,14 +113,15 @@ class PixelKeeper {
   }
 
   void add_up() {
-    for (uint8_t& number : in_blocks_) {
-      sum_ += number;
-      number = 0;
+    for (ptrdiff_t k = 0; k < kBlock; k++) {
+      sum_ += uint32_t{in_blocks_[k]} + in_last_blocks_[k];
+      in_blocks_[k] = in_last_blocks_[k] = 0;
     }
     blocks_ = 0;
   }
 
   uint8_t in_blocks_[kBlock] = {};  // pixels set in each place of the blocks since the last adding up
+  uint8_t in_last_blocks_[kBlock] = {};
   ptrdiff_t blocks_ = 0;            // blocks since then
   uint32_t sum_ = 0;                // pixels set before
 };
