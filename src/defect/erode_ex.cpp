@@ -21,7 +21,7 @@ inline uint8_t lighter(uint8_t a, uint8_t b) { return a > b ? a : b; }
 QUO_MULTIVERSION uint32_t mark_inside(const uint8_t* middle, uint8_t threshold, uint8_t* marks, const quo::Area& area) {
   const uint8_t *const above = middle - area.width, *const below = middle + area.width;
   const uint8_t *const left = middle - 1, *const right = middle + 1;
-  const auto is_bad = [=](ptrdiff_t i) {
+  const auto is_bad = [=](ptrdiff_t i, uint8_t, uint8_t) {
     const uint8_t darkest = darker(darker(above[i], below[i]), darker(left[i], right[i]));
     return lighter(middle[i], darkest) < threshold ? quo::kWhite : uint8_t{0};
   };

@@ -13,7 +13,7 @@ QUO_MULTIVERSION uint32_t erode(const uint8_t* mask, uint8_t* output, const quo:
   const auto of_three = [](const uint8_t* row, ptrdiff_t i) { return row[i - 1] & row[i] & row[i + 1]; };
   const uint8_t* const above = mask - area.width;
   const uint8_t* const below = mask + area.width;
-  const auto stays = [=](ptrdiff_t i) {
+  const auto stays = [=](ptrdiff_t i, uint8_t, uint8_t) {
     return quo::all_set(of_three(above, i) & of_three(mask, i) & of_three(below, i));
   };
   return quo::keep_pixels(stays, output, area);
