@@ -18,20 +18,12 @@ using quo::kWhite;
 constexpr int32_t kBrightest = 254;
 constexpr double kTargetMean = 128;
 constexpr double kTargetSpread = 100;         // twice the mean absolute deviation that the balanced image shall have
-constexpr int32_t kStrip = 1024;              // columns balanced at a time, for their means on the stack
+constexpr int32_t kStrip = 1024;              // pixels balanced at a time, for the sums of their windows on the stack
 constexpr int32_t kLargestQuickGain = 16;     // beyond, single precision leaves too much unclear
 constexpr int32_t kLongestShortColumn = 128;  // above and below a pixel, in windows with columns' sums of 16 bits
 static_assert((2 * kLongestShortColumn + 1) * 255 <= UINT16_MAX);
 constexpr int64_t kLargestQuickWindow = 8000000;          // pixels; their sum fits in 31 bits
 constexpr uint64_t kMostQuickPixels = uint64_t{1} << 26;  // whose deviation is known without adding it up
-
-// The columns or rows of a window, from after the first number to the second.
-struct Extent {
-  ptrdiff_t before;
-  ptrdiff_t last;
-
-  ptrdiff_t size() const { return last - before; }
-};
 
 // Stands in for a row that there is none of.
 constexpr uint8_t kNoRow[kStrip] = {};
@@ -88,14 +80,12 @@ class Windows {
     const int64_t entering = int64_t{y} + half_height_;
     move(entering > 0 && entering < frame_.height - 1 ? static_cast<int32_t>(entering) : 0,
          std::max(y - 1 - half_height_, 0));
-    rows_ = extent(y, half_height_, frame_.height);
-    quo::add_up(columns_, running_, frame_.width - 1);
+    quo::add_up(columns_, running_, frame_.width);
   }
 
-  ptrdiff_t rows() const { return rows_.size(); }
-  Extent columns(int32_t x) const { return extent(x, half_width_, frame_.width); }
-  ptrdiff_t area(const Extent& columns) const { return rows_.size() * columns.size(); }
-  uint32_t sum(const Extent& columns) const { return running_[columns.last] - running_[columns.before]; }
+  // Of the windows around a column and a row.
+  ptrdiff_t columns(int32_t x) const { return size(x, half_width_, frame_.width); }
+  ptrdiff_t rows(int32_t y) const { return size(y, half_height_, frame_.height); }
 
   // Of the windows around the columns from `first` on. At the edge of the image one end of them does not move.
   void find_sums(int32_t first, int32_t count, uint32_t* __restrict sums) const {
@@ -114,13 +104,13 @@ class Windows {
   }
 
  private:
-  static Extent extent(int32_t position, int32_t half, int32_t length) {
+  static ptrdiff_t size(int32_t position, int32_t half, int32_t length) {
     const int64_t last = std::min(int64_t{position} + half, int64_t{length} - 2);
-    return {std::max(position - half, 1) - 1, static_cast<ptrdiff_t>(last)};
+    return static_cast<ptrdiff_t>(last + 1 - std::max(position - half, 1));
   }
 
-  // Row 0 stands for none. The outermost columns move along, for whole vectors are quicker than the columns left after
-  // them; no window has the right one, and the left one gets its 0 back.
+  // Row 0 stands for none. The outermost columns move along and are added up, for whole vectors are quicker than the
+  // columns left after them; no window has the right one, and the left one gets its 0 back.
   void move(int32_t entering, int32_t leaving) {
     for (int32_t x = 0, count = 0; x < frame_.width; x += count) {
       count = std::min(kStrip, frame_.width - x);
@@ -134,7 +124,6 @@ class Windows {
   int32_t half_width_;
   int32_t half_height_;
   uint8_t background_;
-  Extent rows_{};
   ColumnSum* columns_;  // sums over a column's pixels in the rows of the window; 0 in column 0
   uint32_t* running_;   // entry x is the sum of the columns 1 to x
 };
@@ -227,14 +216,14 @@ struct Bounds {
 };
 
 QUO_MULTIVERSION void bound_results(const uint8_t* __restrict pixels, const uint32_t* __restrict sums,
-                                    const float* __restrict shares, float row_share, const QuickBalance& balance,
-                                    const Bounds& bounds, int32_t count) {
+                                    const float* __restrict shares, const QuickBalance& balance, const Bounds& bounds,
+                                    int32_t count) {
   int16_t* const __restrict least = bounds.least;
   int16_t* const __restrict most = bounds.most;
   const float half_mean = balance.half_mean, gain = balance.gain, mean_share = balance.mean_share;
   const float shift = balance.shift, margins = 2 * balance.margin;
   for (int32_t i = 0; i < count; i++) {
-    const float mean = static_cast<float>(static_cast<int32_t>(sums[i])) * (shares[i] * row_share);
+    const float mean = static_cast<float>(static_cast<int32_t>(sums[i])) * shares[i];
     const float moved = static_cast<float>(pixels[i]) + (half_mean - mean * 0.5F);
     const auto whole = static_cast<int32_t>(moved);
     const int32_t step = whole - static_cast<int32_t>(moved - 2 * QuickBalance::kMovedMargin);
@@ -258,52 +247,106 @@ QUO_MULTIVERSION void settle_results(const uint8_t* __restrict pixels, const int
   }
 }
 
-// Balances the marked pixels of a row, of `count` from column `first` on.
-template <typename ColumnSum>
-void balance_by_definition(const uint8_t* pixels, const uint8_t* marks, const Windows<ColumnSum>& windows,
-                           int32_t first, int32_t count, Definition& definition, uint8_t* results) {
-  for (int32_t i = 0; i < count; i++) {
-    while (count - i >= 8 && quo::load_eight(marks + i) == 0) i += 8;
-    if (i == count) return;
-    if (marks[i] == 0) continue;
-    const Extent columns = windows.columns(first + i);
-    const double local = windows.sum(columns) / static_cast<double>(windows.area(columns));
-    results[i] = definition.balanced(pixels[i], local);
-  }
+QUO_MULTIVERSION void scale(const float* __restrict values, float factor, float* __restrict scaled, int32_t count) {
+  for (int32_t i = 0; i < count; i++) scaled[i] = values[i] * factor;
 }
 
+// Rows, or a part of one: pixels that follow one another.
+struct Run {
+  int32_t x;
+  int32_t y;
+  int32_t columns;
+  int32_t rows;
+
+  int32_t pixels() const { return columns * rows; }
+};
+
 template <typename ColumnSum>
-void balance_image(const GrayFrame& frame, Windows<ColumnSum> windows, const quo::GlobalContrast& contrast,
-                   bool small_windows, float* shares, uint8_t* output) {
-  // Of a column in the mean of a window's row.
-  for (int32_t x = 0; x < frame.width; x++) shares[x] = 1.0F / static_cast<float>(windows.columns(x).size());
-  const double error = static_cast<double>(contrast.count + 1024) * 0x1p-53;
-  const Balance near(contrast, contrast.deviation, error);
-  const bool quick = contrast.count <= kMostQuickPixels && near.gain <= kLargestQuickGain && small_windows;
-  const QuickBalance quick_balance(near);
-  Definition definition(frame, contrast, quick ? near : Balance(contrast, quo::defined_deviation(frame, contrast), 0));
-  for (int32_t y = 0; y < frame.height; y++) {
-    const uint8_t* const pixels = frame.row(y);
-    windows.move_down(y);
-    for (int32_t x = 0, count = 0; x < frame.width; x += count) {
-      int16_t least[kStrip], most[kStrip];
-      uint32_t sums[kStrip];
-      uint8_t marks[kStrip];
-      uint8_t* const results = output + static_cast<ptrdiff_t>(y) * frame.width + x;
-      count = std::min(kStrip, frame.width - x);
-      if (quick) {
-        windows.find_sums(x, count, sums);
-        bound_results(pixels + x, sums, shares + x, 1.0F / static_cast<float>(windows.rows()), quick_balance,
-                      {least, most}, count);
-        settle_results(pixels + x, least, most, count, results, marks);
-      } else {
-        for (int32_t i = 0; i < count; i++) results[i] = kWhite;
-        for (int32_t i = 0; i < count; i++) marks[i] = pixels[x + i] != kWhite ? 1 : 0;
+class Balancer {
+ public:
+  // `memory` holds as many numbers as the frame has pixels.
+  Balancer(const GrayFrame& frame, const Windows<ColumnSum>& windows, const quo::GlobalContrast& contrast,
+           bool small_windows, float* memory)
+      : frame_(frame),
+        windows_(windows),
+        near_(contrast, contrast.deviation, static_cast<double>(contrast.count + 1024) * 0x1p-53),
+        quick_(contrast.count <= kMostQuickPixels && near_.gain <= kLargestQuickGain && small_windows),
+        quick_balance_(near_),
+        definition_(frame, contrast, quick_ ? near_ : Balance(contrast, quo::defined_deviation(frame, contrast), 0)),
+        column_shares_(memory),
+        shares_(memory + frame.width) {
+    for (int32_t x = 0; x < frame.width; x++) column_shares_[x] = 1.0F / static_cast<float>(windows_.columns(x));
+  }
+
+  void balance(uint8_t* output) {
+    const int32_t most_rows = std::clamp(kStrip / frame_.width, 1, std::min(kMostRows, frame_.height - 1));
+    for (int32_t y = 0, rows = 0; y < frame_.height; y += rows) {
+      rows = std::min(most_rows, frame_.height - y);
+      if (quick_) update_shares(y, rows);
+      for (int32_t x = 0, columns = 0; x < frame_.width; x += columns) {
+        columns = std::min(kStrip, frame_.width - x);
+        balance_run({x, y, columns, rows}, output);
       }
-      balance_by_definition(pixels + x, marks, windows, x, count, definition, results);
     }
   }
-}
+
+ private:
+  static constexpr int32_t kMostRows = 16;
+
+  // Most rows have windows as high as those of the rows before.
+  void update_shares(int32_t y, int32_t rows) {
+    for (int32_t i = 0; i < rows; i++) {
+      const ptrdiff_t height = windows_.rows(y + i);
+      if (height == heights_[i]) continue;
+      scale(column_shares_, 1.0F / static_cast<float>(height), shares_ + ptrdiff_t{i} * frame_.width, frame_.width);
+      heights_[i] = height;
+    }
+  }
+
+  void balance_run(const Run& run, uint8_t* output) {
+    const uint8_t* const pixels = frame_.row(run.y) + run.x;
+    uint8_t* const results = output + (pixels - frame_.row(0));
+    uint32_t sums[kStrip];
+    uint8_t marks[kStrip];
+    for (int32_t i = 0; i < run.rows; i++) {
+      if (run.x == 0) windows_.move_down(run.y + i);
+      windows_.find_sums(run.x, run.columns, sums + i * run.columns);
+    }
+    if (quick_) {
+      int16_t least[kStrip], most[kStrip];
+      bound_results(pixels, sums, shares_ + run.x, quick_balance_, {least, most}, run.pixels());
+      settle_results(pixels, least, most, run.pixels(), results, marks);
+    } else {
+      for (int32_t i = 0; i < run.pixels(); i++) results[i] = kWhite;
+      for (int32_t i = 0; i < run.pixels(); i++) marks[i] = pixels[i] != kWhite ? 1 : 0;
+    }
+    balance_by_definition(run, sums, marks, pixels, results);
+  }
+
+  // The marked pixels.
+  void balance_by_definition(const Run& run, const uint32_t* sums, const uint8_t* marks, const uint8_t* pixels,
+                             uint8_t* results) {
+    const int32_t count = run.pixels();
+    for (int32_t i = 0; i < count; i++) {
+      while (count - i >= 8 && quo::load_eight(marks + i) == 0) i += 8;
+      if (i == count) return;
+      if (marks[i] == 0) continue;
+      const ptrdiff_t columns = windows_.columns(run.x + i % run.columns),
+                      rows = windows_.rows(run.y + i / run.columns);
+      results[i] = definition_.balanced(pixels[i], sums[i] / static_cast<double>(columns * rows));
+    }
+  }
+
+  const GrayFrame& frame_;
+  Windows<ColumnSum> windows_;
+  Balance near_;
+  bool quick_;
+  QuickBalance quick_balance_;
+  Definition definition_;
+  float* column_shares_;               // of a column in the mean of a window's row
+  float* shares_;                      // of a pixel in the mean of its window, in the rows of a run
+  ptrdiff_t heights_[kMostRows] = {};  // of the windows that the shares are for
+};
 
 constexpr int32_t kSmallestWindow = 3;
 
@@ -319,7 +362,7 @@ uint32_t LocalGrayBalance(const uint8_t* source, uint8_t* output, int32_t width,
   const int32_t half_width = half_size(window_width), half_height = half_size(window_height);
   if (half_width < 1 || half_height < 1) return 0;
   const uint64_t pixels = width < 1 ? 0 : static_cast<uint64_t>(width) * height;
-  // Two rows of sums and one of shares are all that is used; memory for a summed-area table and for row sums is
+  // Two rows of sums and some of shares are all that is used; memory for a summed-area table and for row sums is
   // reserved because a call without it must fail.
   quo::Scratch<uint32_t> sums;
   quo::Scratch<float> shares;
@@ -331,8 +374,8 @@ uint32_t LocalGrayBalance(const uint8_t* source, uint8_t* output, int32_t width,
   if (!shares.allocate(pixels)) return 0;
   const auto background = static_cast<uint8_t>(contrast.mean + 0.5);
   const bool small_windows = (int64_t{2} * half_width + 1) * (int64_t{2} * half_height + 1) <= kLargestQuickWindow;
-  const auto balance = [&](auto windows) {
-    balance_image(frame, windows, contrast, small_windows, shares.get(), output);
+  const auto balance = [&](const auto& windows) {
+    Balancer(frame, windows, contrast, small_windows, shares.get()).balance(output);
   };
   if (half_height <= kLongestShortColumn) {
     balance(Windows<uint16_t>(frame, half_width, half_height, background, sums.get()));
