@@ -67,10 +67,12 @@ class Strip {
         cells_(inside(), half, half.width - inside_, count_) {
     for (int32_t i = 0; i < columns_; i++) values_[i] = taken_[i] = 0;
     for (uint8_t& settled : settled_) settled = quo::kFlat;
-    for (const Extremes& found : extremes_) {
-      // As far as the whole vectors reach that the columns are joined in.
-      const int32_t reached = std::min(columns_ + kVector, kColumns);
-      for (int32_t i = 0; i < reached; i++) found.lo[i] = found.end[i] = 0;
+    // As far as the whole vectors reach that the columns are joined in.
+    const int32_t reached = std::min(columns_ + kVector, kColumns);
+    for (auto& extremes : {lo_, end_}) {
+      for (int k = 0; k < 4; k++) {
+        for (int32_t i = 0; i < reached; i++) extremes[k][i] = 0;
+      }
     }
   }
 
@@ -155,8 +157,11 @@ class Strip {
 
   // Of the windows around a row's pixels.
   const Extremes& find_extremes(int32_t y) {
-    if (y % 2 == 0) find_column_extremes(y);
-    return quo::join_column_extremes(extremes_[y % 2], extremes_[2], columns_, 2 * half_.width + 1, kColumns);
+    if (y % 2 == 0) {
+      find_column_extremes(y);
+      quo::join_column_extremes(extremes_, spare_extremes_, columns_, 2 * half_.width + 1, kColumns);
+    }
+    return extremes_[y % 2];
   }
 
   // Of row y and the one below it, in whose windows nearly the same rows are.
@@ -168,8 +173,9 @@ class Strip {
     const int32_t inside_end = inside_ + inside_count_;
     if (inside_ > 0) clear_column_extremes(0, inside_);
     if (inside_end < columns_) clear_column_extremes(inside_end, columns_);
-    quo::find_column_extremes(rows, inside_count_, {lo_[0] + inside_, end_[0] + inside_},
-                              {lo_[1] + inside_, end_[1] + inside_});
+    const Extremes &first = extremes_[0], &second = extremes_[1];
+    quo::find_column_extremes(rows, inside_count_, {first.lo + inside_, first.end + inside_},
+                              {second.lo + inside_, second.end + inside_});
   }
 
   // To those of columns outside the image. Whole vectors around them take less time than these alone.
@@ -177,7 +183,7 @@ class Strip {
     static_assert(kColumns % kVector == 0);
     first = first / kVector * kVector;
     end = (end + kVector - 1) / kVector * kVector;
-    for (const Extremes& found : {extremes_[0], extremes_[1]}) {
+    for (const Extremes found : extremes_) {
       for (int32_t i = first; i < end; i++) found.lo[i] = 255;
       for (int32_t i = first; i < end; i++) found.end[i] = 0;
     }
@@ -331,9 +337,10 @@ class Strip {
   uint16_t taken_[kColumns];   // numbers of these pixels, without background
   uint32_t running_[kColumns + 1];
   float numbers_[kColumns];  // of pixels in the windows, without background
-  uint8_t lo_[3][kColumns];  // in the columns of an even row's windows and the next row's, and a spare
-  uint8_t end_[3][kColumns];
-  const Extremes extremes_[3] = {{lo_[0], end_[0]}, {lo_[1], end_[1]}, {lo_[2], end_[2]}};
+  uint8_t lo_[4][kColumns];
+  uint8_t end_[4][kColumns];
+  Extremes extremes_[2] = {{lo_[0], end_[0]}, {lo_[1], end_[1]}};  // of an even row's windows and the next row's
+  Extremes spare_extremes_[2] = {{lo_[2], end_[2]}, {lo_[3], end_[3]}};
   uint32_t textured_[TexturedCells::kMostCells];  // a byte for each pixel
   uint8_t settled_[kColumns];
   TexturedCells cells_;

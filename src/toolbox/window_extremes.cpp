@@ -50,12 +50,16 @@ QUO_MULTIVERSION void find_in_tiles(const SharedRows& rows, int32_t count, const
   find_in_tile(rows, upper, lower, count - kTile, kTile);  // overlaps the one before it
 }
 
-// Of each column and the one `step` further.
-QUO_MULTIVERSION void join(const uint8_t* __restrict lo, const uint8_t* __restrict end, ptrdiff_t step,
+// Values, not references to pixels: nested choices between references do not become vectors.
+inline uint8_t smaller(uint8_t a, uint8_t b) { return std::min(a, b); }
+inline uint8_t larger(uint8_t a, uint8_t b) { return std::max(a, b); }
+
+// Of each column and the ones `step`, `next` and both further.
+QUO_MULTIVERSION void join(const uint8_t* __restrict lo, const uint8_t* __restrict end, ptrdiff_t step, ptrdiff_t next,
                            uint8_t* __restrict joined_lo, uint8_t* __restrict joined_end, int32_t count) {
   for (int32_t i = 0; i < count; i++) {
-    joined_lo[i] = std::min(lo[i], lo[i + step]);
-    joined_end[i] = std::max(end[i], end[i + step]);
+    joined_lo[i] = smaller(smaller(lo[i], lo[i + step]), smaller(lo[i + next], lo[i + step + next]));
+    joined_end[i] = larger(larger(end[i], end[i + step]), larger(end[i + next], end[i + step + next]));
   }
 }
 
@@ -65,17 +69,16 @@ void quo::find_column_extremes(const SharedRows& rows, int32_t count, const Extr
   find_in_tiles(rows, count, upper, lower);
 }
 
-// Of 2, 4, 8 ... columns side by side. Where there is room, whole vectors of them: those at the end mean nothing.
-const Extremes& quo::join_column_extremes(const Extremes& columns, const Extremes& spare, int32_t count, int32_t width,
-                                          int32_t room) {
-  const Extremes* found = &columns;
-  const Extremes* joined = &spare;
-  for (int32_t reach = 1, step; reach < width; reach += step) {
-    step = std::min(reach, width - reach);
-    const int32_t fitting = count - reach - step + 1;
+// Of 4, 16 ... columns side by side. Where there is room, whole vectors of them: those at the end mean nothing. What was
+// just stored is loaded again, shifted, for which a processor waits: the other row gives it something to do.
+void quo::join_column_extremes(Extremes (&found)[2], Extremes (&spare)[2], int32_t count, int32_t width, int32_t room) {
+  for (int32_t reach = 1; reach < width;) {
+    const int32_t step = std::min(reach, width - reach), next = std::min(reach + step, width - reach - step);
+    reach += step + next;
+    const int32_t fitting = count - reach + 1;
     const int32_t vectors = (fitting + kVector - 1) / kVector * kVector;
-    join(found->lo, found->end, step, joined->lo, joined->end, vectors + step <= room ? vectors : fitting);
-    std::swap(found, joined);
+    const int32_t joined = vectors + step + next <= room ? vectors : fitting;
+    for (int i = 0; i < 2; i++) join(found[i].lo, found[i].end, step, next, spare[i].lo, spare[i].end, joined);
+    std::swap(found, spare);
   }
-  return *found;
 }

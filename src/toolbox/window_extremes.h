@@ -25,9 +25,9 @@ struct SharedRows {
 /** Of each of `count` columns in the upper and in the lower window. */
 void find_column_extremes(const SharedRows& rows, int32_t count, const Extremes& upper, const Extremes& lower);
 
-/** From those of `count` columns, those of the windows `width` columns wide that begin at each column, as far as they
- *  fit. `spare` is as large, each has `room` for that many columns; the result is in one of the two. */
-const Extremes& join_column_extremes(const Extremes& columns, const Extremes& spare, int32_t count, int32_t width,
-                                     int32_t room);
+/** From those of `count` columns in two rows of windows, those of the windows `width` columns wide that begin at each
+ *  column, as far as they fit. `found` and `spare` change places as often as needed for the result to be in `found`; each
+ *  has `room` for that many columns. */
+void join_column_extremes(Extremes (&found)[2], Extremes (&spare)[2], int32_t count, int32_t width, int32_t room);
 
 }  // namespace quo
