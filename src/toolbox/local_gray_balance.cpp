@@ -261,6 +261,11 @@ struct Run {
   int32_t pixels() const { return columns * rows; }
 };
 
+bool no_mark_in_32(const uint8_t* marks) {
+  return (quo::load_eight(marks) | quo::load_eight(marks + 8) | quo::load_eight(marks + 16) |
+          quo::load_eight(marks + 24)) == 0;
+}
+
 template <typename ColumnSum>
 class Balancer {
  public:
@@ -328,6 +333,7 @@ class Balancer {
                              uint8_t* results) {
     const int32_t count = run.pixels();
     for (int32_t i = 0; i < count; i++) {
+      while (count - i >= 32 && no_mark_in_32(marks + i)) i += 32;
       while (count - i >= 8 && quo::load_eight(marks + i) == 0) i += 8;
       if (i == count) return;
       if (marks[i] == 0) continue;
